@@ -1,0 +1,131 @@
+#include "automation/Value.h"
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <optional>
+
+#include "automation/DispatchObject.h"
+
+namespace kestrelon {
+namespace {
+
+// 15 significant digits, as the run-time writes a Double.
+String FormatDouble(double number) {
+  char buffer[40];
+  std::snprintf(buffer, sizeof buffer, "%.15G", number);
+  std::string text = buffer;
+  return FromUtf8(text);
+}
+
+std::optional<double> ParseNumber(StringView text) {
+  const std::string ascii = ToAnsi(Trim(text));
+  if (ascii.empty() || ascii.find_first_not_of("0123456789+-.eE") != std::string::npos) {
+    return std::nullopt;
+  }
+  char* end = nullptr;
+  const double number = std::strtod(ascii.c_str(), &end);
+  if (*end != '\0') return std::nullopt;
+  return number;
+}
+
+template <typename Integer>
+Integer RoundInto(double number) {
+  const double rounded = std::nearbyint(number);  // halves to even
+  if (!(rounded >= std::numeric_limits<Integer>::min() &&
+        rounded <= std::numeric_limits<Integer>::max())) {
+    throw AutomationError(kOverflow);
+  }
+  return static_cast<Integer>(rounded);
+}
+
+bool IsNumber(const Value& value) {
+  return value.IsInteger() || value.IsDouble() || value.IsBoolean() || value.IsDate();
+}
+
+}  // namespace
+
+Value::Value(const Object& object) : data_(object.pointer()) {}
+
+Value::Value(int64_t number) {
+  if (number >= std::numeric_limits<int32_t>::min() &&
+      number <= std::numeric_limits<int32_t>::max()) {
+    data_ = static_cast<int32_t>(number);
+  } else {
+    data_ = static_cast<double>(number);
+  }
+}
+
+String Value::ToText() const {
+  if (IsString()) return AsString();
+  if (IsEmpty()) return {};
+  if (IsNull()) throw AutomationError(kInvalidUseOfNull);
+  if (IsBoolean()) return AsBoolean() ? u"True" : u"False";
+  if (IsInteger()) return FromUtf8(std::to_string(AsInteger()));
+  if (IsDouble()) return FormatDouble(AsDouble());
+  if (IsDate()) return FormatDate(AsDate());
+  if (IsObject()) return ToObject().GetDefault().ToText();
+  throw AutomationError(kTypeMismatch);
+}
+
+bool Value::ToBoolean() const {
+  if (IsBoolean()) return AsBoolean();
+  if (IsString()) {
+    if (EqualIgnoringCase(AsString(), u"true") || EqualIgnoringCase(AsString(), u"#true#")) {
+      return true;
+    }
+    if (EqualIgnoringCase(AsString(), u"false") || EqualIgnoringCase(AsString(), u"#false#")) {
+      return false;
+    }
+  }
+  return ToDouble() != 0;
+}
+
+int16_t Value::ToInteger() const { return RoundInto<int16_t>(ToDouble()); }
+
+int32_t Value::ToLong() const {
+  return IsInteger() ? AsInteger() : RoundInto<int32_t>(ToDouble());
+}
+
+double Value::ToDouble() const {
+  if (IsInteger()) return AsInteger();
+  if (IsDouble()) return AsDouble();
+  if (IsBoolean()) return AsBoolean() ? -1 : 0;
+  if (IsDate()) return AsDate().days;
+  if (IsEmpty()) return 0;
+  if (IsNull()) throw AutomationError(kInvalidUseOfNull);
+  if (IsObject()) return ToObject().GetDefault().ToDouble();
+  if (IsString()) {
+    const std::optional<double> number = ParseNumber(AsString());
+    if (number) return *number;
+  }
+  throw AutomationError(kTypeMismatch);
+}
+
+Date Value::ToDate() const {
+  if (IsDate()) return AsDate();
+  if (IsString()) return ParseDate(AsString());
+  return Date{ToDouble()};
+}
+
+Object Value::ToObject() const {
+  if (!IsObject()) throw AutomationError(kObjectRequired);
+  return Object(AsObject());
+}
+
+bool LooselyEqual(const Value& a, const Value& b) {
+  if (a.IsNull() || b.IsNull()) return false;
+  if (a.IsObject()) return LooselyEqual(a.ToObject().GetDefault(), b);
+  if (b.IsObject()) return LooselyEqual(a, b.ToObject().GetDefault());
+  if (IsNumber(a) && IsNumber(b)) return a.ToDouble() == b.ToDouble();
+  if (IsNumber(a) && b.IsString()) return LooselyEqual(b, a);
+  if (a.IsString() && IsNumber(b)) {
+    const std::optional<double> number = ParseNumber(a.AsString());
+    return number ? *number == b.ToDouble() : a.AsString() == b.ToText();
+  }
+  if (a.IsEmpty() && IsNumber(b)) return b.ToDouble() == 0;
+  if (b.IsEmpty() && IsNumber(a)) return a.ToDouble() == 0;
+  return a.ToText() == b.ToText();
+}
+
+}  // namespace kestrelon

@@ -1,0 +1,57 @@
+// Files that are written whole or not at all, and private temporary files and folders.
+//
+// Paths are UTF-8. Failures are AutomationErrors: 76 when the folder is missing, 70 when it may not
+// be written, 53 for a missing file, 61 "Disk full", otherwise 57 "Device I/O error" with the
+// system's reason.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "automation/AutomationError.h"
+
+namespace kestrelon::desktop {
+
+enum class Durability {
+  kRename,     // a reader sees the old file or the new one
+  kPowerLoss,  // the same after a crash of the machine: file and folder are synced
+};
+
+// The automation error of a failed system call on `path`.
+AutomationError FileError(int error_code, const std::filesystem::path& path);
+
+// Replaces `path` by `content`: a new file beside it, created exclusively, then renamed. The mode of
+// an existing file is kept. A link at `path` is followed, its target replaced.
+void WriteFileAtomically(const std::filesystem::path& path, std::string_view content,
+                         Durability durability = Durability::kRename);
+
+// Puts the finished file `source` in the place of `path`, by rename where both lie on one file
+// system, else by an atomic copy. `source` is gone afterwards.
+void MoveFileIntoPlace(const std::filesystem::path& source, const std::filesystem::path& path);
+
+// The whole content. `limit` in bytes; a larger file is error 7 "Out of memory".
+std::string ReadWholeFile(const std::filesystem::path& path, size_t limit = size_t{1} << 31);
+
+// A folder of its own (mode 0700) in the temporary folder, removed with everything in it.
+class PrivateFolder {
+ public:
+  // `prefix` is a plain name ("kestrelon-word-").
+  explicit PrivateFolder(std::string_view prefix);
+  ~PrivateFolder();
+  PrivateFolder(const PrivateFolder&) = delete;
+  PrivateFolder& operator=(const PrivateFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  // From now on the folder stays; for files that are handed to the user.
+  void Keep() { keep_ = true; }
+
+ private:
+  std::filesystem::path path_;
+  bool keep_ = false;
+};
+
+// $TMPDIR, or /tmp.
+std::filesystem::path TempFolder();
+
+}  // namespace kestrelon::desktop

@@ -1,0 +1,82 @@
+// The one interface to a desktop: every service of the operating system that the control uses, and
+// the automation servers it reaches by ProgID. A front end makes one Platform and hands it to each
+// control; a Platform outlives its controls and is used on one thread at a time.
+//
+// Operations named after an operating-system call behave as that call does: ANSI buffers, sizes in
+// bytes, result codes instead of exceptions. Everything else fails with AutomationError.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "automation/DispatchObject.h"
+
+namespace kestrelon {
+
+// The component's own version record: the four fields of its file version.
+struct FileVersion {
+  int32_t major = 0;
+  int32_t minor = 0;
+  int32_t build = 0;
+  int32_t revision = 0;
+};
+
+// The operating system's version-information record.
+struct OsVersionRecord {
+  int32_t size = 0;  // bytes, filled in by the caller: 148
+  int32_t major = 0;
+  int32_t minor = 0;
+  int32_t build = 0;
+  int32_t platform_id = 0;
+  std::array<char, 128> service_pack{};
+};
+
+// 16 bytes in the order of the registry text form, "{00112233-4455-6677-8899-AABBCCDDEEFF}".
+using Guid = std::array<uint8_t, 16>;
+
+class Platform {
+ public:
+  virtual ~Platform() = default;
+
+  // A new object of the server `prog_id`, on the machine `server` when that is not "".
+  // Error 429 when the server cannot be created (unknown, not registered, not installed).
+  virtual Object CreateObject(StringView prog_id, StringView server = {}) = 0;
+  // The running object of `prog_id`; nothing is started. Error 429 when there is none.
+  virtual Object GetRunningObject(StringView prog_id) = 0;
+
+  // A modal message box; the number of the button pressed (1 OK, 2 Cancel, 3 Abort, 4 Retry,
+  // 5 Ignore, 6 Yes, 7 No). An absent title is the desktop's default one.
+  virtual int32_t ShowMessageBox(const String& text, int32_t flags,
+                                 const std::optional<String>& title) = 0;
+
+  // GetUserDefaultLCID.
+  virtual uint32_t UserDefaultLocale() = 0;
+  // GetLocaleInfoA: bytes written with the terminator, 0 on failure; with `size` 0, bytes needed.
+  virtual int32_t GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* buffer, int32_t size) = 0;
+  // GetTempPathA: the length of the path with its trailing separator; when that does not fit, the
+  // size needed, and the buffer is left alone. 0 on failure.
+  virtual uint32_t GetTempPathAnsi(uint32_t size, char* buffer) = 0;
+  // GetTempFileNameA: with `unique` 0 a new empty file is made in `folder`, named from the first
+  // three characters of `prefix` and a number, ending in "tmp". `path` takes at most 260 bytes.
+  // The number used, 0 on failure.
+  virtual uint32_t GetTempFileNameAnsi(const std::string& folder, const std::string& prefix,
+                                       uint32_t unique, char* path) = 0;
+  // ShellExecuteA with the verb "open": over 32 on success, else an error code (2 missing file,
+  // 3 missing folder, 5 no permission, 31 no program for the type).
+  virtual int32_t ShellOpen(const String& path) = 0;
+  // keybd_event.
+  virtual void SendKeyEvent(uint8_t key, uint8_t scan_code, uint32_t flags) = 0;
+  // CoCreateGuid; nothing on failure.
+  virtual std::optional<Guid> CreateGuid() = 0;
+  // GetVersionExA: non-zero on success.
+  virtual int32_t GetOsVersion(OsVersionRecord& record) = 0;
+  // The local date and time, to the second.
+  virtual Date Now() = 0;
+  virtual FileVersion ComponentVersion() = 0;
+  // The whole body of a URL as ANSI text, always fetched anew; "" when it cannot be had.
+  virtual std::string ReadUrl(const String& url) = 0;
+};
+
+}  // namespace kestrelon

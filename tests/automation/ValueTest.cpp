@@ -1,0 +1,80 @@
+#include "automation/Value.h"
+
+#include <gtest/gtest.h>
+
+#include "automation/DispatchObject.h"
+
+namespace kestrelon {
+namespace {
+
+int32_t NumberOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const AutomationError& error) {
+    return error.number();
+  }
+  return 0;
+}
+
+TEST(Text, KeepsEveryCharacterOverUtf8AndReplacesWhatIsMalformed) {
+  const String text = u"a\u00A3\u20AC\U0001F600";
+  EXPECT_EQ(FromUtf8(ToUtf8(text)), text);
+  EXPECT_EQ(FromUtf8("\xC3(\xE2\x82"), u"\uFFFD(\uFFFD\uFFFD");
+  EXPECT_EQ(FromUtf8("\xED\xA0\x80"), u"\uFFFD\uFFFD\uFFFD");
+  EXPECT_EQ(ToUtf8(String(1, char16_t{0xD800})), "\xEF\xBF\xBD");
+  EXPECT_EQ(ToAnsi(u"\u00A3\u20AC\u4E2D\U0001F600"), "\xA3\x80??");
+  EXPECT_EQ(FromAnsi("\xA3\x80\x81"), u"\u00A3\u20AC\u0081");
+}
+
+TEST(Text, FoldsLettersBeyondAscii) {
+  EXPECT_EQ(LowerCase(StringView(u"ÀÖØÞ×ŁŽŸΑΩЖЁ")), u"àöøþ×łžÿαωжё");
+  EXPECT_EQ(UpperCase(StringView(u"àöøþ÷łžÿαωжё")), u"ÀÖØÞ÷ŁŽŸΑΩЖЁ");
+}
+
+TEST(Text, CutsAndSplitsAsTheRunTimeDoes) {
+  EXPECT_EQ(Split(u"a@b@", u"@"), (std::vector<String>{u"a", u"b", u""}));
+  EXPECT_TRUE(Split(u"", u"@").empty());
+  EXPECT_EQ(Trim(u"  a\t "), u"a\t");
+  EXPECT_EQ(Right(u"abc", 5), u"abc");
+  EXPECT_EQ(NumberOf([] { Left(u"abc", -1); }), kInvalidProcedureCall);
+  EXPECT_EQ(ReplaceAll(u"aaa", u"aa", u"a"), u"aa");
+}
+
+TEST(Value, ConvertsAsTheRunTimeDoes) {
+  EXPECT_EQ(Value(true).ToText(), u"True");
+  EXPECT_EQ(Value(0.1).ToText(), u"0.1");
+  EXPECT_EQ(Value(u" 12 ").ToLong(), 12);
+  EXPECT_EQ(Value(2.5).ToInteger(), 2);
+  EXPECT_EQ(Value(true).ToLong(), -1);
+  EXPECT_EQ(NumberOf([] { Value(70000).ToInteger(); }), kOverflow);
+  EXPECT_EQ(NumberOf([] { Value(Value::Null{}).ToText(); }), kInvalidUseOfNull);
+  EXPECT_EQ(NumberOf([] { Value(u"abc").ToLong(); }), kTypeMismatch);
+  EXPECT_EQ(NumberOf([] { Value(1).ToObject(); }), kObjectRequired);
+  EXPECT_EQ(NumberOf([] { Object().Get(u"x"); }), kObjectVariableNotSet);
+}
+
+TEST(Value, ComparesLoosely) {
+  EXPECT_FALSE(LooselyEqual(Value(Value::Null{}), Value(Value::Null{})));
+  EXPECT_TRUE(LooselyEqual(Value(), Value(u"")));
+  EXPECT_TRUE(LooselyEqual(Value(u"1.0"), Value(1)));
+  EXPECT_FALSE(LooselyEqual(Value(u"A"), Value(u"a")));
+}
+
+TEST(Date, TakesApartWhatItPutTogether) {
+  for (const DateParts parts : {DateParts{1899, 12, 30, 0, 0, 1}, DateParts{1899, 12, 29, 6, 0, 0},
+                                DateParts{2024, 2, 29, 23, 59, 59}, DateParts{4501, 1, 1, 0, 0, 0},
+                                DateParts{100, 1, 1, 12, 0, 0}, DateParts{9999, 12, 31, 1, 2, 3}}) {
+    const DateParts again = TakeApart(MakeDate(parts));
+    EXPECT_EQ(again.year, parts.year);
+    EXPECT_EQ(again.month, parts.month);
+    EXPECT_EQ(again.day, parts.day);
+    EXPECT_EQ(again.hour * 3600 + again.minute * 60 + again.second,
+              parts.hour * 3600 + parts.minute * 60 + parts.second);
+  }
+  EXPECT_EQ(MakeDate({2000, 1, 1, 0, 0, 0}).days, 36526);
+  EXPECT_EQ(FormatDate(ParseDate(u"2026-11-21T08:05:09")), u"2026-11-21 08:05:09");
+  EXPECT_EQ(NumberOf([] { ParseDate(u"2026-02-30"); }), kTypeMismatch);
+}
+
+}  // namespace
+}  // namespace kestrelon
