@@ -83,12 +83,12 @@ Date ParseDate(StringView text) {
   DateParts parts;
   int read = 0;
   char separator = 0;
-  const int fields = std::sscanf(ascii.c_str(), "%4d-%2d-%2d%n%c%2d:%2d:%2d%n", &parts.year,
-                                 &parts.month, &parts.day, &read, &separator, &parts.hour,
-                                 &parts.minute, &parts.second, &read);
+  const int fields =
+      std::sscanf(ascii.c_str(), "%4d-%2d-%2d%n%c%2d:%2d:%2d%n", &parts.year, &parts.month,
+                  &parts.day, &read, &separator, &parts.hour, &parts.minute, &parts.second, &read);
   const bool complete = read == static_cast<int>(ascii.size());
-  const bool valid = complete && (fields == 3 || (fields == 7 && (separator == ' ' ||
-                                                                  separator == 'T')));
+  const bool valid =
+      complete && (fields == 3 || (fields == 7 && (separator == ' ' || separator == 'T')));
   if (!valid) throw AutomationError(kTypeMismatch);
   try {
     return MakeDate(parts);

@@ -83,9 +83,7 @@ bool Value::ToBoolean() const {
 
 int16_t Value::ToInteger() const { return RoundInto<int16_t>(ToDouble()); }
 
-int32_t Value::ToLong() const {
-  return IsInteger() ? AsInteger() : RoundInto<int32_t>(ToDouble());
-}
+int32_t Value::ToLong() const { return IsInteger() ? AsInteger() : RoundInto<int32_t>(ToDouble()); }
 
 double Value::ToDouble() const {
   if (IsInteger()) return AsInteger();

@@ -6,7 +6,6 @@
 // bytes, result codes instead of exceptions. Everything else fails with AutomationError.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,19 +21,6 @@ struct FileVersion {
   int32_t build = 0;
   int32_t revision = 0;
 };
-
-// The operating system's version-information record.
-struct OsVersionRecord {
-  int32_t size = 0;  // bytes, filled in by the caller: 148
-  int32_t major = 0;
-  int32_t minor = 0;
-  int32_t build = 0;
-  int32_t platform_id = 0;
-  std::array<char, 128> service_pack{};
-};
-
-// 16 bytes in the order of the registry text form, "{00112233-4455-6677-8899-AABBCCDDEEFF}".
-using Guid = std::array<uint8_t, 16>;
 
 class Platform {
  public:
@@ -58,25 +44,9 @@ class Platform {
   // GetTempPathA: the length of the path with its trailing separator; when that does not fit, the
   // size needed, and the buffer is left alone. 0 on failure.
   virtual uint32_t GetTempPathAnsi(uint32_t size, char* buffer) = 0;
-  // GetTempFileNameA: with `unique` 0 a new empty file is made in `folder`, named from the first
-  // three characters of `prefix` and a number, ending in "tmp". `path` takes at most 260 bytes.
-  // The number used, 0 on failure.
-  virtual uint32_t GetTempFileNameAnsi(const std::string& folder, const std::string& prefix,
-                                       uint32_t unique, char* path) = 0;
-  // ShellExecuteA with the verb "open": over 32 on success, else an error code (2 missing file,
-  // 3 missing folder, 5 no permission, 31 no program for the type).
-  virtual int32_t ShellOpen(const String& path) = 0;
-  // keybd_event.
-  virtual void SendKeyEvent(uint8_t key, uint8_t scan_code, uint32_t flags) = 0;
-  // CoCreateGuid; nothing on failure.
-  virtual std::optional<Guid> CreateGuid() = 0;
-  // GetVersionExA: non-zero on success.
-  virtual int32_t GetOsVersion(OsVersionRecord& record) = 0;
   // The local date and time, to the second.
   virtual Date Now() = 0;
   virtual FileVersion ComponentVersion() = 0;
-  // The whole body of a URL as ANSI text, always fetched anew; "" when it cannot be had.
-  virtual std::string ReadUrl(const String& url) = 0;
 };
 
 }  // namespace kestrelon

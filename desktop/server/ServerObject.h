@@ -24,7 +24,8 @@
 
 namespace kestrelon::desktop {
 
-// The arguments of one method call in the order of the method's parameters; absent ones are Omitted.
+// The arguments of one method call in the order of the method's parameters; absent ones are
+// Omitted.
 class MethodArguments {
  public:
   explicit MethodArguments(std::vector<Value> values) : values_(std::move(values)) {}

@@ -21,8 +21,8 @@ enum class Durability {
 // The automation error of a failed system call on `path`.
 AutomationError FileError(int error_code, const std::filesystem::path& path);
 
-// Replaces `path` by `content`: a new file beside it, created exclusively, then renamed. The mode of
-// an existing file is kept. A link at `path` is followed, its target replaced.
+// Replaces `path` by `content`: a new file beside it, created exclusively, then renamed. The mode
+// of an existing file is kept. A link at `path` is followed, its target replaced.
 void WriteFileAtomically(const std::filesystem::path& path, std::string_view content,
                          Durability durability = Durability::kRename);
 

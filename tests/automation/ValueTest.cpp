@@ -1,8 +1,7 @@
-#include "automation/Value.h"
-
 #include <gtest/gtest.h>
 
 #include "automation/DispatchObject.h"
+#include "automation/Value.h"
 
 namespace kestrelon {
 namespace {

@@ -1,0 +1,213 @@
+#include "Control/InterfaceTable.h"
+
+#include <vector>
+
+#include "Control/ErrorReporting.h"
+#include "Control/LocaleAndEnvironment.h"
+#include "Control/OfficeConnection.h"
+#include "Control/ServerName.h"
+#include "documents/Letters.h"
+
+namespace kestrelon {
+namespace {
+
+// Stands for a member until it is built.
+template <typename Result, typename... Args>
+Result NotImplemented(ControlContext&, Args&...) {
+  throw AutomationError(kNotImplemented);
+}
+
+std::vector<Parameter> AllRequired(std::initializer_list<StringView> names) {
+  std::vector<Parameter> parameters;
+  for (const StringView name : names) parameters.push_back(Required(name));
+  return parameters;
+}
+
+std::vector<Parameter> LetterParameters() {
+  return {Required(u"xmlDoc"),
+          Required(u"template"),
+          Optional(u"strEmailAddress", u""),
+          Optional(u"strMailMode", u"HTML"),
+          Optional(u"strSavePath", u""),
+          Optional(u"ReplaceinHeader", u"")};
+}
+
+std::vector<Parameter> LetterWithSubjectParameters() {
+  std::vector<Parameter> parameters = LetterParameters();
+  parameters.push_back(Optional(u"EmailSubject", u""));
+  return parameters;
+}
+
+std::vector<Parameter> AddContactParameters() {
+  std::vector<Parameter> parameters =
+      AllRequired({u"id", u"LastName", u"contactType", u"straccount"});
+  for (const StringView name :
+       {u"Email", u"FirstName", u"title", u"Position", u"Phone", u"mobile"}) {
+    parameters.push_back(Optional(name));
+  }
+  for (const StringView name :
+       {u"businessaddressstreet", u"businessaddressstreet2", u"businessaddressstreet3",
+        u"businessaddresscity", u"businessaddressstate", u"businessaddresspostalcode",
+        u"businessaddresscountry"}) {
+    parameters.push_back(Optional(name, u""));
+  }
+  return parameters;
+}
+
+std::vector<Parameter> OriginalMailParameters() {
+  return AllRequired({u"strAddress", u"strFrom", u"strSent", u"strTo", u"strSubject", u"strBody"});
+}
+
+using S = String;
+using B = bool;
+using V = Value;
+
+void AddItemMembers(std::vector<Member>& table) {
+  table.push_back(Describe(u"NewAppointment", 0x60030001, &NotImplemented<S, S, S, S, B>,
+                           {Required(u"AccountInfo"), Required(u"ServerName"),
+                            Required(u"VirtualDirectory"), Optional(u"SecureMode", false)}));
+  table.push_back(
+      Describe(u"AddAppointment", 0x60030002, &NotImplemented<V, V>, AllRequired({u"acid"})));
+  table.push_back(
+      Describe(u"OpenTask", 0x60030003, &NotImplemented<S, S>, AllRequired({u"TaskID"})));
+  table.push_back(Describe(u"OpenAppointment", 0x60030004, &NotImplemented<S, S>,
+                           AllRequired({u"AppointmentID"})));
+  table.push_back(
+      Describe(u"GenerateEmail", 0x60030006, &NotImplemented<V, S, S, S, S, S>,
+               AllRequired({u"bodyhtml", u"address", u"Subject", u"mailType", u"addressType"})));
+  table.push_back(Describe(u"GetOutlookSelection", 0x60030007, &NotImplemented<S>));
+  table.push_back(Describe(u"GetOutlookSelectionString", 0x60030008, &NotImplemented<S>));
+}
+
+void AddLetterMembers(std::vector<Member>& table) {
+  table.push_back(
+      Describe(u"CreateSeminarLetterXML", 0x60030009, &CreateSeminarLetterXML, LetterParameters()));
+  table.push_back(
+      Describe(u"CreateLetterXML", 0x6003000A, &CreateLetterXML, LetterWithSubjectParameters()));
+  table.push_back(Describe(u"CreateContactLetter", 0x6003000D, &CreateContactLetter,
+                           AllRequired({u"oHTMLDoc", u"template"})));
+  table.push_back(Describe(u"GetTemplateList", 0x6003000E, &NotImplemented<S, S, S>,
+                           AllRequired({u"folderpath", u"listtype"})));
+  table.push_back(Describe(u"FindFile", 0x6003000F, &NotImplemented<B, S>, AllRequired({u"path"})));
+  table.push_back(Describe(u"CreateHTMforPDF", 0x60030010, &NotImplemented<V, S, S, S, S, S, S>,
+                           AllRequired({u"theBody", u"theUniqueName", u"address", u"Subject",
+                                        u"mailType", u"addressType"})));
+  table.push_back(Describe(u"GetVersion", 0x60030016, &GetVersion));
+}
+
+void AddContactMembers(std::vector<Member>& table) {
+  table.push_back(Describe(u"SetContactFolder", 0x60030017, &NotImplemented<void, S>,
+                           AllRequired({u"foldername"})));
+  table.push_back(Describe(u"AddContact", 0x60030018,
+                           &NotImplemented<void, S, S, S, S, S, S, S, S, S, S, S, S, S, S, S, S, S>,
+                           AddContactParameters()));
+  table.push_back(Describe(u"AddContactAll", 0x60030019, &NotImplemented<B, HtmlDocument>,
+                           AllRequired({u"oHTMLDoc"})));
+  table.push_back(Describe(u"AddUpdateContactXML", 0x6003001A, &NotImplemented<B, S, B, B>,
+                           AllRequired({u"ContactRecordXML", u"overwriteKestrelonIDMatch",
+                                        u"overwriteEmailNameMatch"})));
+  table.push_back(Describe(u"CleanUpOutlook", 0x6003001D, &CleanUpOutlook));
+  table.push_back(Describe(u"CreateExcelApp", 0x6003001E, &CreateExcelApp));
+  table.push_back(Describe(u"OpenFile", 0x6003001F, &NotImplemented<S, S, B>,
+                           {Required(u"filePath"), Optional(u"ManagedStorage", false)}));
+}
+
+void AddFolderMembers(std::vector<Member>& table) {
+  table.push_back(Describe(u"GetContactFolderList", 0x60030020, &NotImplemented<S, S>,
+                           {Optional(u"strImport")}));
+  table.push_back(Describe(u"GetTaskFolderList", 0x60030021, &NotImplemented<S>));
+  table.push_back(Describe(u"GetFolderContactItems", 0x60030022, &NotImplemented<S, S>,
+                           AllRequired({u"foldertosearch"})));
+  table.push_back(Describe(u"GetFolderTaskItems", 0x60030023, &NotImplemented<S, S>,
+                           AllRequired({u"foldertosearch"})));
+  table.push_back(Describe(u"ImportContact", 0x60030024, &NotImplemented<S, S, S>,
+                           AllRequired({u"foldername", u"contactname"})));
+  table.push_back(Describe(u"ImportTask", 0x60030025, &NotImplemented<S, S, S>,
+                           AllRequired({u"foldername", u"taskName"})));
+  table.push_back(Describe(u"dateFormatOrder", 0x60030026, &dateFormatOrder));
+  table.push_back(Describe(u"currencyFormat", 0x60030027, &currencyFormat));
+  table.push_back(Describe(u"UploadFile", 0x60030029, &NotImplemented<B, S, S>,
+                           AllRequired({u"filePath", u"ImportDirectory"})));
+}
+
+void AddMailAndQuoteMembers(std::vector<Member>& table) {
+  table.push_back(
+      Describe(u"CheckForFolder", 0x6003002B, &NotImplemented<B, V>, AllRequired({u"foldername"})));
+  table.push_back(
+      Describe(u"SendEmail", 0x6003002C, &NotImplemented<B, S>, AllRequired({u"strAddress"})));
+  table.push_back(Describe(u"SendEmailWithOriginal", 0x6003002D,
+                           &NotImplemented<B, S, S, S, S, S, S>, OriginalMailParameters()));
+  table.push_back(Describe(u"SendEmailFull", 0x6003002E, &NotImplemented<B, S, S, S, S, S, S>,
+                           OriginalMailParameters()));
+  table.push_back(Describe(u"ForwardEmailWithOriginal", 0x6003002F,
+                           &NotImplemented<B, S, S, S, S, S, S>, OriginalMailParameters()));
+  table.push_back(Describe(u"WordQuote", 0x60030030, &NotImplemented<S, XmlDocument, S, S, S, S>,
+                           AllRequired({u"xmlDoc", u"strTemplate", u"strSavePath",
+                                        u"strMakeWordVisible", u"strReplaceinheader"})));
+  table.push_back(Describe(
+      u"WordQuoteHtml", 0x60030031, &NotImplemented<S, XmlDocument, S, S, S, S, S, S, S, S, S, S>,
+      AllRequired({u"xmlDoc", u"address", u"Subject", u"mailType", u"addressType", u"strTemplate",
+                   u"strFormat", u"strSavePath", u"strReplaceinheader", u"strMakeWordVisible",
+                   u"strQuoteFileName"})));
+  table.push_back(Describe(u"CreateMessage", 0x60030035, &CreateMessage,
+                           AllRequired({u"strMessage", u"intButtons", u"strTitle"})));
+}
+
+void AddRemainingMembers(std::vector<Member>& table) {
+  table.push_back(Describe(u"RemoveContact", 0x60030036, &NotImplemented<S, S, B>,
+                           AllRequired({u"strContactID", u"strDelete"})));
+  table.push_back(Describe(u"SetImportID", 0x60030037, &NotImplemented<S, S, S, S>,
+                           AllRequired({u"strItemID", u"strEntryID", u"strItemType"})));
+  table.push_back(Describe(u"CheckIfSynchronised", 0x60030038, &NotImplemented<S, S, S>,
+                           AllRequired({u"strEntryID", u"strItemType"})));
+  table.push_back(Describe(u"ExcelQuote", 0x6003003B, &NotImplemented<B, HtmlDocument, S>,
+                           AllRequired({u"oHTMLDoc", u"strColumns"})));
+  table.push_back(Describe(u"CreateContactAsvCard", 0x6003003C, &NotImplemented<B, HtmlDocument>,
+                           AllRequired({u"oHTMLDoc"})));
+  table.push_back(Describe(u"CheckForOutlook", 0x6003003D, &CheckForOutlook));
+  table.push_back(Describe(u"CheckForWord", 0x6003003E, &CheckForWord));
+  table.push_back(
+      Describe(u"MakeCall", 0x60030045, &NotImplemented<V, V>, AllRequired({u"sParameters"})));
+  table.push_back(Describe(u"HangupCall", 0x60030046, &NotImplemented<V>));
+  table.push_back(
+      Describe(u"GetDialerVersion", 0x60030047, &NotImplemented<S, V>, AllRequired({u"sObject"})));
+  table.push_back(Describe(u"GetTapiDrivers", 0x60030052, &NotImplemented<S>));
+  table.push_back(Describe(u"GetUnsyncedAppts", 0x6003005A, &NotImplemented<V>));
+  table.push_back(Describe(u"GetUnsyncedTasks", 0x6003005B, &NotImplemented<V>));
+  table.push_back(Describe(u"GetUnsyncedContacts", 0x6003005C, &NotImplemented<V, S>,
+                           AllRequired({u"foldertosearch"})));
+  table.push_back(
+      Describe(u"SetItemAsKestrelon", 0x6003005E, &NotImplemented<B, S, S, S, S, S>,
+               AllRequired({u"ItemType", u"StoreID", u"OutlookID", u"AccountID", u"ItemID"})));
+}
+
+std::vector<Member> BuildTable() {
+  std::vector<Member> table;
+  table.push_back(Describe(u"ServerName", 0x68030000, &ServerName, AllRequired({u"value"}),
+                           MemberKind::kPropertyPut));
+  AddItemMembers(table);
+  AddLetterMembers(table);
+  AddContactMembers(table);
+  AddFolderMembers(table);
+  AddMailAndQuoteMembers(table);
+  AddRemainingMembers(table);
+  return table;
+}
+
+const std::vector<Member>& Table() {
+  static const std::vector<Member> table = BuildTable();
+  return table;
+}
+
+}  // namespace
+
+std::span<const Member> InterfaceTable() { return Table(); }
+
+const Member* FindMember(StringView name) {
+  for (const Member& member : Table()) {
+    if (EqualIgnoringCase(member.name, name)) return &member;
+  }
+  return nullptr;
+}
+
+}  // namespace kestrelon

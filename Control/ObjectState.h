@@ -1,0 +1,54 @@
+// What one control object keeps between calls. Created empty with the control, never persisted.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "automation/DispatchObject.h"
+#include "platform/Platform.h"
+
+namespace kestrelon {
+
+// Template tags with their replacements: three parallel arrays from index 0. Slots that were never
+// written hold empty texts; consumers skip an entry whose tag is empty.
+struct TagTable {
+  std::vector<String> Tags;  // "<" + tag + ">"
+  std::vector<String> TagFieldNames;
+  std::vector<String> TagReplacements;
+
+  // Sizes the arrays to 0..upper_bound, discarding what they held.
+  void Reset(size_t upper_bound);
+  // Grows the arrays to 0..upper_bound, keeping what they hold; never shrinks them.
+  void GrowTo(size_t upper_bound);
+  // Error 9 "Subscript out of range" when no extraction has sized the arrays yet.
+  int32_t UpperBound() const;
+};
+
+struct ObjectState {
+  Object outlook_application;
+  Object mapi_namespace;
+  Object current_appointment;
+  Object current_task;
+  Object current_mail;
+  Object current_contact;
+  Object second_contact;
+  Object current_folder;
+  Object bound_contact_folder;
+  Object user_properties;
+  // Nothing sets these two; they are released with the others.
+  Object first_spare_item;
+  Object second_spare_item;
+
+  // Not touched by CleanUpOutlook:
+  String server_name;  // written by ServerName and read by nothing
+  Object excel_application;
+  TagTable tag_table;
+};
+
+// What every member works on: the desktop and the state of the control it belongs to.
+struct ControlContext {
+  Platform& platform;
+  ObjectState state{};
+};
+
+}  // namespace kestrelon
