@@ -210,4 +210,11 @@ const Member* FindMember(StringView name) {
   return nullptr;
 }
 
+std::optional<size_t> FindParameter(const Member& member, StringView name) {
+  for (size_t i = 0; i < member.parameters.size(); ++i) {
+    if (EqualIgnoringCase(member.parameters[i].name, name)) return i;
+  }
+  return std::nullopt;
+}
+
 }  // namespace kestrelon

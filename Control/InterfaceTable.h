@@ -14,4 +14,7 @@ std::span<const Member> InterfaceTable();
 // The member of that name, without regard to case; nullptr when there is none.
 const Member* FindMember(StringView name);
 
+// The place of a parameter in its member's list, by name without regard to case.
+std::optional<size_t> FindParameter(const Member& member, StringView name);
+
 }  // namespace kestrelon

@@ -1,0 +1,23 @@
+// The documents that a page would hand over, made from markup or files.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "Control/Interface.h"
+#include "automation/TracingObject.h"
+
+namespace kestrelon::commandline {
+
+inline bool IsDocument(ParameterType type) {
+  return type == ParameterType::kXmlDocument || type == ParameterType::kHtmlDocument;
+}
+
+// The content of a file. Error 53 or 70 with the path in the description.
+std::string ReadFile(const std::string& path);
+
+// A document for the parameter, traced under its name when there is a sink. Error 5 with line and
+// reason when the markup is malformed.
+Value ParseDocument(const Parameter& parameter, std::string_view markup, const TraceSink& trace);
+
+}  // namespace kestrelon::commandline

@@ -1,0 +1,103 @@
+// The program `kestrelon`: the control on a terminal.
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+#include "frontends/commandline/CallCommand.h"
+#include "frontends/commandline/ExitStatus.h"
+#include "frontends/commandline/MembersCommand.h"
+#include "frontends/commandline/Session.h"
+#include "platform/TracingPlatform.h"
+#include "platform/linux/LinuxPlatform.h"
+
+namespace kestrelon::commandline {
+namespace {
+
+// The desktop, with its trace when one is asked for.
+class Desktop {
+ public:
+  Desktop(MessageBoxHandler show, const std::string& trace_path) : linux_(std::move(show)) {
+    if (trace_path.empty()) return;
+    file_.open(trace_path, std::ios::trunc);
+    if (!file_) throw BadCommandLine("cannot write the trace file " + trace_path);
+    trace_ = [this](const std::string& line) { file_ << line << std::endl; };
+    tracing_ = std::make_unique<TracingPlatform>(linux_, trace_);
+  }
+  Platform& platform() { return tracing_ ? static_cast<Platform&>(*tracing_) : linux_; }
+  const TraceSink& trace() const { return trace_; }
+
+ private:
+  LinuxPlatform linux_;
+  std::ofstream file_;
+  TraceSink trace_;
+  std::unique_ptr<TracingPlatform> tracing_;
+};
+
+int RunSession(const std::string& trace_path) {
+  MessageLog messages;
+  Desktop desktop(
+      [&messages](const String& text, int32_t flags, const std::optional<String>& title) {
+        return messages.Show(text, flags, title);
+      },
+      trace_path);
+  Session session(desktop.platform(), messages, desktop.trace());
+  for (std::string line; std::getline(std::cin, line);) {
+    if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
+    std::cout << session.Answer(line) << std::endl;
+  }
+  return kSuccess;
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app("The Kestrelon control on the command line", "kestrelon");
+  app.require_subcommand(1);
+  app.fallthrough();
+  std::string trace_path;
+  app.add_option("--trace", trace_path, "Write every automation call to this file, a line each");
+
+  bool json = false;
+  CLI::App* members = app.add_subcommand("members", "List the members of the control");
+  members->add_flag("--json", json, "As a JSON array");
+
+  CallRequest request;
+  CLI::App* call = app.add_subcommand("call", "Call one member on a fresh control");
+  call->add_option("MEMBER", request.member, "Name of the member")->required();
+  call->add_option(
+      "NAME=VALUE", request.arguments,
+      "Arguments; NAME=@FILE takes the value from a file, NAME=@@TEXT is the text @TEXT");
+
+  CLI::App* session =
+      app.add_subcommand("session", "Call many members on one control: JSON lines in and out");
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kSuccess : kBadCommandLine;
+  }
+  if (members->parsed()) return PrintMembers(std::cout, json);
+  if (session->parsed()) return RunSession(trace_path);
+  if (!call->parsed()) return kBadCommandLine;
+  Desktop desktop(ShowMessageOnTerminal, trace_path);
+  request.trace = desktop.trace();
+  return CallMember(desktop.platform(), request, std::cout, std::cerr);
+}
+
+}  // namespace
+}  // namespace kestrelon::commandline
+
+int main(int argc, char** argv) {
+  using namespace kestrelon::commandline;
+  try {
+    return Run(argc, argv);
+  } catch (const BadCommandLine& error) {
+    std::fprintf(stderr, "kestrelon: %s\n", error.what());
+    return kBadCommandLine;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "kestrelon: internal error: %s\n", error.what());
+    return kInternalError;
+  }
+}

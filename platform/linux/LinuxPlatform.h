@@ -1,0 +1,35 @@
+// The control's desktop on Linux: the automation servers of desktop/, and the system's services.
+//
+// The locale is that of the environment (LC_ALL, LC_TIME, LC_MONETARY, LANG). Texts of ANSI calls
+// are Windows-1252; characters that it lacks become "?".
+#pragma once
+
+#include <functional>
+
+#include "platform/Platform.h"
+
+namespace kestrelon {
+
+// One message box: takes it to the user and returns the number of the button pressed.
+using MessageBoxHandler =
+    std::function<int32_t(const String& text, int32_t flags, const std::optional<String>& title)>;
+
+class LinuxPlatform final : public Platform {
+ public:
+  explicit LinuxPlatform(MessageBoxHandler show_message_box);
+
+  Object CreateObject(StringView prog_id, StringView server) override;
+  Object GetRunningObject(StringView prog_id) override;
+  int32_t ShowMessageBox(const String& text, int32_t flags,
+                         const std::optional<String>& title) override;
+  uint32_t UserDefaultLocale() override;
+  int32_t GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* buffer, int32_t size) override;
+  uint32_t GetTempPathAnsi(uint32_t size, char* buffer) override;
+  Date Now() override;
+  FileVersion ComponentVersion() override;
+
+ private:
+  MessageBoxHandler show_message_box_;
+};
+
+}  // namespace kestrelon

@@ -1,0 +1,19 @@
+// What the user's locale says about dates and money.
+#pragma once
+
+#include <string>
+
+#include "automation/Text.h"
+
+namespace kestrelon {
+
+// "0" month-day-year, "1" day-month-year, "2" year-month-day.
+std::string ShortDateOrder();
+
+// The currency symbol, the three-letter code where a locale has no symbol, "" where it has neither.
+String CurrencySymbol();
+
+// The order of a date format of strftime ("%d/%m/%y").
+std::string OrderOfDateFormat(const std::string& format);
+
+}  // namespace kestrelon
