@@ -1,0 +1,46 @@
+# Shared by ./demo, ./test and .ci/run: what has to be installed, and how the project is built.
+
+set -euo pipefail
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libdeflate-dev libgmime-3.0-dev
+  nlohmann-json3-dev libcli11-dev libreofficekit-dev)
+# LibreOffice makes PDF, HTML and .doc; the fonts are those that letters commonly ask for.
+run_packages=(libreoffice-writer-nogui fonts-liberation fonts-crosextra-carlito
+  fonts-crosextra-caladea)
+test_packages=(libgtest-dev libgmock-dev python3 poppler-utils)
+lint_packages=(clang-format clang-tidy)
+
+say() { printf '\n== %s\n' "$*"; }
+
+# install PACKAGE…: installs those that are missing, and nothing when none is.
+install() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  say "Installing ${missing[*]}"
+  local sudo=()
+  if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || {
+      echo "These packages are missing: ${missing[*]}" >&2
+      echo "Run this once as root, or install sudo." >&2
+      exit 1
+    }
+    sudo=(sudo)
+  fi
+  "${sudo[@]}" apt-get update -qq
+  "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
+    --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build FOLDER [CMAKE OPTION…]
+build() {
+  local folder=$1
+  shift
+  say "Building in ${folder#"$project"/}"
+  cmake -S "$project" -B "$folder" -G Ninja "$@" >/dev/null
+  cmake --build "$folder"
+}

@@ -1,0 +1,124 @@
+// Every member, with each of its automation calls failing in turn: nothing escapes to the page but
+// what the interface says, and what was there before is still there.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "Control/KestrelonControl.h"
+#include "desktop/storage/AtomicFile.h"
+#include "desktop/xml/XmlDocument.h"
+#include "tests/support/FailingDesktop.h"
+#include "tests/support/LetterWorld.h"
+#include "tests/support/ScriptedDesktop.h"
+
+namespace kestrelon {
+namespace {
+
+using testing::FailingDesktop;
+using testing::FailurePlan;
+using testing::LetterWorld;
+
+struct MemberCase {
+  const char16_t* member;
+  // At least so many calls of the member can fail.
+  int least_calls;
+  // The arguments of one call; documents are made to fail by the plan too.
+  std::function<std::vector<Value>(const LetterWorld&, FailurePlan&)> arguments;
+};
+
+Value Document(const std::string& xml, FailurePlan& plan) {
+  return testing::FailByPlan(desktop::ParseXmlDocument(xml), plan);
+}
+
+auto Fixed(std::vector<Value> values) {
+  return [values](const LetterWorld&, FailurePlan&) { return values; };
+}
+
+const MemberCase kCases[] = {
+    {u"ServerName", 0, Fixed({u"http://a/b"})},
+    {u"GetVersion", 0, Fixed({})},
+    {u"CleanUpOutlook", 0, Fixed({})},
+    {u"CreateExcelApp", 1, Fixed({})},
+    {u"dateFormatOrder", 0, Fixed({})},
+    {u"currencyFormat", 0, Fixed({})},
+    {u"CheckForOutlook", 1, Fixed({})},
+    {u"CheckForWord", 1, Fixed({})},
+    {u"CreateMessage", 0, Fixed({u"text", 64, u"title"})},
+    {u"CreateContactLetter", 0, Fixed({Value::Null{}, u"a.dotx"})},
+    {u"CreateLetterXML", 100,
+     [](const LetterWorld& world, FailurePlan& plan) {
+       return std::vector<Value>{Document(world.letter_xml, plan),
+                                 world.letter_template,
+                                 u"",
+                                 u"HTML",
+                                 FromUtf8(world.saved_path.string()),
+                                 u"true",
+                                 u""};
+     }},
+    {u"CreateSeminarLetterXML", 100,
+     [](const LetterWorld& world, FailurePlan& plan) {
+       return std::vector<Value>{Document(world.seminar_xml, plan),
+                                 world.seminar_template,
+                                 u"",
+                                 u"HTML",
+                                 FromUtf8(world.saved_path.string()),
+                                 u"true"};
+     }},
+};
+
+class FailEverywhere : public ::testing::TestWithParam<MemberCase> {};
+
+TEST_P(FailEverywhere, NothingEscapesAndNothingIsHalfWritten) {
+  const Member& member = *FindMember(GetParam().member);
+  LetterWorld world;
+  const std::string previous = "what was saved before";
+  int failures = 0;
+  for (int n = 1;; ++n) {
+    FailurePlan plan{n};
+    FailingDesktop desktop(world.platform, plan);
+    KestrelonControl control(desktop);
+    desktop::WriteFileAtomically(world.saved_path, previous);
+    std::vector<Value> values = GetParam().arguments(world, plan);
+    EXPECT_NO_THROW(control.Invoke(member, values)) << "call " << n;
+    // The file is the old one or a whole new one, and nothing else lies there.
+    const std::string now = desktop::ReadWholeFile(world.saved_path);
+    EXPECT_TRUE(now == previous || testing::IsWholePackage(now)) << "call " << n;
+    EXPECT_EQ(world.FilesInOutput(), 1) << "call " << n;
+    if (!plan.reached()) break;
+    ++failures;
+    ASSERT_LT(n, 5000) << "does not end";
+  }
+  EXPECT_GE(failures, GetParam().least_calls);
+}
+
+INSTANTIATE_TEST_SUITE_P(Members, FailEverywhere, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return ToUtf8(info.param.member); });
+
+// Mails need conversions that take their time, so these run on the scripted desktop.
+TEST(FailEverywhereInMail, EveryFailureIsToldOnceAndTheReferencesStayAsDocumented) {
+  for (const char16_t* mode : {u"HTML", u"attach"}) {
+    for (int n = 1;; ++n) {
+      testing::ScriptedDesktop desktop;
+      desktop.Answer("Word.Application.Selection.Find.Found", {false});
+      desktop.fail_at = n;
+      KestrelonControl control(desktop);
+      std::vector<Value> values = {desktop::ParseXmlDocument(testing::kSmallLetterXml),
+                                   u"a.dotx",
+                                   u"a@b",
+                                   mode,
+                                   u"",
+                                   u"",
+                                   u"subject"};
+      EXPECT_NO_THROW(control.Invoke(*FindMember(u"CreateLetterXML"), values)) << n;
+      const bool reached = static_cast<int>(desktop.log.size()) >= n;
+      // Deleting the temporary file is the one thing whose failure is not told.
+      const bool told = reached && desktop.log.back().find("FileSystemObject") == std::string::npos;
+      if (told) EXPECT_EQ(desktop.messages.size(), 1U) << n << " " << desktop.log.back();
+      if (!reached) break;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kestrelon

@@ -1,0 +1,122 @@
+#include "tests/support/ScriptedDesktop.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "automation/TracingObject.h"
+
+namespace kestrelon::testing {
+namespace {
+
+class ScriptedObject final : public DispatchObject {
+ public:
+  ScriptedObject(ScriptedDesktop& desktop, std::string path)
+      : desktop_(desktop), path_(std::move(path)) {}
+
+  Value Invoke(InvokeKind kind, StringView member, const Arguments& arguments) override {
+    std::string line = path_ + (member.empty() ? "" : "." + ToUtf8(member));
+    if (kind == InvokeKind::kPut) {
+      const std::string list = DescribeCall("", arguments);
+      line += " = " + list.substr(1, list.size() - 2);
+    } else if (kind == InvokeKind::kCall) {
+      line = DescribeCall(line, arguments);
+    }
+    return desktop_.Perform(line);
+  }
+  // A collection is walked over "Each" of its path: an array of answers.
+  std::unique_ptr<Enumerator> Enumerate() override {
+    const Value elements = desktop_.Perform(path_ + ".Each");
+    if (!elements.IsArray()) throw AutomationError(kNotACollection);
+    return std::make_unique<ArrayWalk>(elements.AsArray());
+  }
+  String TypeName() const override { return FromUtf8(path_); }
+
+ private:
+  class ArrayWalk final : public Enumerator {
+   public:
+    explicit ArrayWalk(Value::Array elements) : elements_(std::move(elements)) {}
+    std::optional<Value> Next() override {
+      if (next_ == elements_.size()) return std::nullopt;
+      return elements_[next_++];
+    }
+
+   private:
+    Value::Array elements_;
+    size_t next_ = 0;
+  };
+
+  ScriptedDesktop& desktop_;
+  std::string path_;
+};
+
+}  // namespace
+
+void ScriptedDesktop::Answer(const std::string& line, std::deque<Value> answers) {
+  answers_[line] = std::move(answers);
+}
+
+Value ScriptedDesktop::NamedObject(const std::string& path) {
+  return DispatchPointer(std::make_shared<ScriptedObject>(*this, path));
+}
+
+void ScriptedDesktop::Fail(const std::string& prefix, AutomationError error) {
+  failures_.emplace_back(prefix, std::move(error));
+}
+
+Value ScriptedDesktop::Perform(const std::string& line) {
+  log.push_back(line);
+  if (static_cast<int>(log.size()) >= cut_at) throw LoopCut();
+  if (static_cast<int>(log.size()) == fail_at) throw AutomationError(1234, u"Injected");
+  for (const auto& [prefix, error] : failures_) {
+    if (line.starts_with(prefix)) throw error;
+  }
+  const auto found = answers_.find(line);
+  if (found == answers_.end()) return NamedObject(line);
+  const Value answer = found->second.front();
+  if (found->second.size() > 1) found->second.pop_front();
+  return answer;
+}
+
+Object ScriptedDesktop::Obtain(const std::string& verb, StringView prog_id, StringView server) {
+  const std::string name = ToUtf8(prog_id);
+  const Value answer = Perform(verb + " " + name + (server.empty() ? "" : " on " + ToUtf8(server)));
+  // An unscripted server is known by its ProgID.
+  if (answer.AsObject()->TypeName().starts_with(FromUtf8(verb))) {
+    return NamedObject(name).ToObject();
+  }
+  return answer.ToObject();
+}
+
+Object ScriptedDesktop::CreateObject(StringView prog_id, StringView server) {
+  return Obtain("create", prog_id, server);
+}
+
+Object ScriptedDesktop::GetRunningObject(StringView prog_id) {
+  return Obtain("attach", prog_id, {});
+}
+
+int32_t ScriptedDesktop::ShowMessageBox(const String& text, int32_t flags,
+                                        const std::optional<String>& title) {
+  messages.push_back({text, flags, title});
+  if (buttons.empty()) return 1;
+  const int32_t button = buttons.front();
+  buttons.pop_front();
+  return button;
+}
+
+int32_t ScriptedDesktop::GetLocaleInfoAnsi(uint32_t /*locale*/, uint32_t type, char* buffer,
+                                           int32_t size) {
+  if (locale_fails) return 0;
+  const std::string& text = type == 0x21 ? order_of_date : currency;
+  if (size == 0) return static_cast<int32_t>(text.size()) + 1;
+  std::memcpy(buffer, text.c_str(), std::min(text.size() + 1, static_cast<size_t>(size)));
+  return size;
+}
+
+uint32_t ScriptedDesktop::GetTempPathAnsi(uint32_t size, char* buffer) {
+  if (temp_path.size() >= size) return static_cast<uint32_t>(temp_path.size()) + 1;
+  std::memcpy(buffer, temp_path.c_str(), temp_path.size() + 1);
+  return static_cast<uint32_t>(temp_path.size());
+}
+
+}  // namespace kestrelon::testing

@@ -1,0 +1,69 @@
+// A desktop for tests: records every automation call in the words of a trace, and answers from a
+// script. A call without an answer returns an object named by its line, so that a test scripts only
+// the values it is about.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/Platform.h"
+
+namespace kestrelon::testing {
+
+// Cuts a loop that the behaviour leaves unbounded; no AutomationError, so no member catches it.
+struct LoopCut {};
+
+struct ShownMessage {
+  String text;
+  int32_t flags = 0;
+  std::optional<String> title;
+  friend bool operator==(const ShownMessage&, const ShownMessage&) = default;
+};
+
+class ScriptedDesktop final : public Platform {
+ public:
+  // The answers of a call, in order; the last one repeats. The line is that of the trace:
+  // "Word.Application.Selection.Find.Found", "Word.Application.Documents.Add(\"a.dotx\")".
+  void Answer(const std::string& line, std::deque<Value> answers);
+  // An object named `path`, whatever led to it ("CreateObject" answers make shorter paths).
+  Value NamedObject(const std::string& path);
+  // The calls whose line starts with `prefix` fail.
+  void Fail(const std::string& prefix, AutomationError error);
+  void StopFailing() { failures_.clear(); }
+  // The call with this number (from 1) fails with error 1234 "Injected"; 0 for none.
+  int fail_at = 0;
+  // Throws LoopCut at this many calls.
+  int cut_at = 100'000;
+
+  std::vector<std::string> log;
+  std::vector<ShownMessage> messages;
+  std::deque<int32_t> buttons;
+  std::string order_of_date = "1";
+  std::string currency = "\xA3";
+  std::string temp_path = "/tmp/";
+  bool locale_fails = false;
+  Date now = {45000.0 + (13 * 3600 + 5 * 60 + 9) / 86400.0};
+
+  Object CreateObject(StringView prog_id, StringView server) override;
+  Object GetRunningObject(StringView prog_id) override;
+  int32_t ShowMessageBox(const String& text, int32_t flags,
+                         const std::optional<String>& title) override;
+  uint32_t UserDefaultLocale() override { return 0x0809; }
+  int32_t GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* buffer, int32_t size) override;
+  uint32_t GetTempPathAnsi(uint32_t size, char* buffer) override;
+  Date Now() override { return now; }
+  FileVersion ComponentVersion() override { return {5, 8, 0, 7}; }
+
+  // Records one call and gives its answer.
+  Value Perform(const std::string& line);
+
+ private:
+  Object Obtain(const std::string& verb, StringView prog_id, StringView server);
+
+  std::map<std::string, std::deque<Value>> answers_;
+  std::vector<std::pair<std::string, AutomationError>> failures_;
+};
+
+}  // namespace kestrelon::testing
