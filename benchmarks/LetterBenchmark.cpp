@@ -63,7 +63,7 @@ void Letter(benchmark::State& state, const std::string& template_path, const std
   });
   KestrelonControl control(platform);
   const Member& member = *FindMember(u"CreateLetterXML");
-  const Value xml = ParseXmlPageDocument(record);
+  const Value xml = XmlPageDocumentFromBytes(record);
   int number = 0;
   for (auto _ : state) {
     const std::string path = TheFiles().Path("made" + std::to_string(number++) + extension);

@@ -7,7 +7,7 @@
 
 #include "Control/KestrelonControl.h"
 #include "desktop/storage/AtomicFile.h"
-#include "desktop/xml/XmlDocument.h"
+#include "desktop/xml/XmlDocuments.h"
 #include "tests/support/FailingDesktop.h"
 #include "tests/support/LetterWorld.h"
 #include "tests/support/ScriptedDesktop.h"

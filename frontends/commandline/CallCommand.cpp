@@ -43,7 +43,8 @@ String TextOfFile(const std::string& path) {
 Value ReadArgument(const Parameter& parameter, const std::string& text, const TraceSink& trace) {
   const bool from_file = text.starts_with('@') && !text.starts_with("@@");
   if (IsDocument(parameter.type)) {
-    return ParseDocument(parameter, from_file ? ReadFile(text.substr(1)) : text, trace);
+    return from_file ? DocumentFromFile(parameter, text.substr(1), trace)
+                     : DocumentFromText(parameter, text, trace);
   }
   if (from_file) return TextOfFile(text.substr(1));
   const Value value = FromUtf8(text.starts_with('@') ? text.substr(1) : text);

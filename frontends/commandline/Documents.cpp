@@ -8,6 +8,13 @@
 #include "platform/linux/PageDocuments.h"
 
 namespace kestrelon::commandline {
+namespace {
+
+Object Traced(const Object& document, const Parameter& parameter, const TraceSink& trace) {
+  return trace ? TraceObject(document, ToUtf8(parameter.name), trace) : document;
+}
+
+}  // namespace
 
 std::string ReadFile(const std::string& path) {
   errno = 0;
@@ -21,11 +28,20 @@ std::string ReadFile(const std::string& path) {
   return std::move(content).str();
 }
 
-Value ParseDocument(const Parameter& parameter, std::string_view markup, const TraceSink& trace) {
-  const Object document = parameter.type == ParameterType::kXmlDocument
-                              ? ParseXmlPageDocument(markup)
-                              : ParseHtmlPageDocument(markup);
-  return trace ? TraceObject(document, ToUtf8(parameter.name), trace) : document;
+Value DocumentFromText(const Parameter& parameter, const std::string& markup,
+                       const TraceSink& trace) {
+  return Traced(parameter.type == ParameterType::kXmlDocument
+                    ? XmlPageDocumentFromText(FromUtf8(markup))
+                    : HtmlPageDocument(markup),
+                parameter, trace);
+}
+
+Value DocumentFromFile(const Parameter& parameter, const std::string& path,
+                       const TraceSink& trace) {
+  const std::string bytes = ReadFile(path);
+  return Traced(parameter.type == ParameterType::kXmlDocument ? XmlPageDocumentFromBytes(bytes)
+                                                              : HtmlPageDocument(bytes),
+                parameter, trace);
 }
 
 }  // namespace kestrelon::commandline

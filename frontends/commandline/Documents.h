@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "Control/Interface.h"
 #include "automation/TracingObject.h"
@@ -18,6 +17,9 @@ std::string ReadFile(const std::string& path);
 
 // A document for the parameter, traced under its name when there is a sink. Error 5 with line and
 // reason when the markup is malformed.
-Value ParseDocument(const Parameter& parameter, std::string_view markup, const TraceSink& trace);
+Value DocumentFromText(const Parameter& parameter, const std::string& markup,
+                       const TraceSink& trace);
+// The same from a file, in the encoding that it declares; 53 or 70 when it cannot be read.
+Value DocumentFromFile(const Parameter& parameter, const std::string& path, const TraceSink& trace);
 
 }  // namespace kestrelon::commandline

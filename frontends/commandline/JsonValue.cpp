@@ -1,6 +1,6 @@
 #include "frontends/commandline/JsonValue.h"
 
-#include "automation/DispatchObject.h"
+#include "platform/linux/PageDocuments.h"
 
 namespace kestrelon::commandline {
 
@@ -13,7 +13,7 @@ Json ObjectToJson(Object object) {
   // What is printed is no call of the member's, so it is not traced.
   if (object.pointer()->Wrapped() != nullptr) object = object.pointer()->Wrapped();
   Json json;
-  const auto is_no_document = IgnoreFailures([&] { json = ToUtf8(object.Get(u"xml").ToText()); });
+  const auto is_no_document = IgnoreFailures([&] { json = ToUtf8(MarkupOf(object)); });
   if (is_no_document) json = {{"object", ToUtf8(object.pointer()->TypeName())}};
   return json;
 }

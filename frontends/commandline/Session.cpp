@@ -56,9 +56,9 @@ std::vector<int32_t> ReadAnswers(const Json& request) {
 
 Value ReadArgument(const Parameter& parameter, const Json& json, const TraceSink& trace) {
   if (!IsDocument(parameter.type) || json.is_null()) return FromJson(json);
-  if (json.is_string()) return ParseDocument(parameter, json.get<std::string>(), trace);
+  if (json.is_string()) return DocumentFromText(parameter, json.get<std::string>(), trace);
   if (json.is_object() && json.size() == 1 && json.contains("file") && json["file"].is_string()) {
-    return ParseDocument(parameter, ReadFile(json["file"].get<std::string>()), trace);
+    return DocumentFromFile(parameter, json["file"].get<std::string>(), trace);
   }
   throw BadRequest("\"" + ToUtf8(parameter.name) + "\" takes markup or {\"file\": PATH}");
 }

@@ -9,7 +9,7 @@
 #include "desktop/outlook/OutlookApplication.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/word/WordApplication.h"
-#include "desktop/xml/XmlDocument.h"
+#include "desktop/xml/XmlDocuments.h"
 #include "platform/linux/UserLocale.h"
 
 namespace kestrelon {

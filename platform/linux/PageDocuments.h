@@ -7,11 +7,15 @@
 
 namespace kestrelon {
 
-// An XML DOM document, in the encoding that the markup declares (UTF-8 when it declares none).
-// Error 5 with line and reason when it is malformed.
-Object ParseXmlPageDocument(std::string_view markup);
+// An XML DOM document of text that is at hand, or of the bytes of a file in the encoding that they
+// declare. Error 5 with line, column and reason when it is malformed.
+Object XmlPageDocumentFromText(StringView markup);
+Object XmlPageDocumentFromBytes(std::string_view markup);
 
 // The HTML document of a page.
-Object ParseHtmlPageDocument(std::string_view markup);
+Object HtmlPageDocument(std::string_view markup);
+
+// The markup of a document made here as it stands now; error 438 for any other object.
+String MarkupOf(const Object& document);
 
 }  // namespace kestrelon

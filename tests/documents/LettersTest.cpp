@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desktop/xml/XmlDocument.h"
+#include "desktop/xml/XmlDocuments.h"
 #include "documents/Letters.h"
 #include "tests/support/ScriptedDesktop.h"
 

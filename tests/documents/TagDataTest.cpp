@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "desktop/xml/XmlDocument.h"
+#include "desktop/xml/XmlDocuments.h"
 #include "documents/TagData.h"
 #include "tests/support/ScriptedDesktop.h"
 
