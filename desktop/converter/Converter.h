@@ -1,8 +1,9 @@
 // Conversions between document formats by LibreOffice, in a worker process of its own.
 //
 // The worker is started on first use with a private profile, kept warm, and ended with this object.
-// A worker that crashes is restarted once per conversion; one that exceeds its deadline is killed with
-// its whole process group. Macros are off, and links in a document reach neither files nor network.
+// A worker that crashes is restarted once per conversion; one that exceeds its deadline is killed
+// with its whole process group. Macros are off, and links in a document reach neither files nor
+// network.
 #pragma once
 
 #include <chrono>
@@ -31,9 +32,9 @@ class Converter {
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
-  // Reads `source`, whatever its format, and writes `target`, which appears only when it is complete
-  // and carries the signature of the format. HTML is one self-contained file in Windows-1252 (pictures
-  // as data URIs, other characters as numeric references).
+  // Reads `source`, whatever its format, and writes `target`, which appears only when it is
+  // complete and carries the signature of the format. HTML is one self-contained file in
+  // Windows-1252 (pictures as data URIs, other characters as numeric references).
   void Convert(const std::filesystem::path& source, const std::filesystem::path& target,
                ConversionFormat format);
 
