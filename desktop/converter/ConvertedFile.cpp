@@ -11,6 +11,9 @@ namespace {
 constexpr std::string_view kOldCharset = "charset=utf-8";
 constexpr std::string_view kNewCharset = "charset=windows-1252";
 constexpr std::string_view kCompoundFile = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+// What stands in the HTML for a linked picture, which is never loaded: a PNG of its signature
+// alone.
+constexpr std::string_view kEmptyPicture = "src=\"data:image/png;base64,iVBORw0KGgo=\"";
 constexpr size_t kTail = 66 * 1024;  // holds a ZIP's end record with the longest comment
 
 std::string_view Tail(std::string_view content) {
@@ -49,6 +52,17 @@ void AppendEscaped(std::string& html, uint32_t character, bool in_style) {
   html += in_style ? " " : ";";
 }
 
+void DropEmptyPictures(std::string& html) {
+  for (size_t at = html.find(kEmptyPicture); at != std::string::npos;
+       at = html.find(kEmptyPicture, at)) {
+    const size_t start = html.rfind('<', at);
+    const size_t end = html.find('>', at);
+    if (start == std::string::npos || end == std::string::npos) return;
+    html.erase(start, end + 1 - start);
+    at = start;
+  }
+}
+
 }  // namespace
 
 bool HasSignature(std::string_view content, ConversionFormat format) {
@@ -67,8 +81,9 @@ bool HasSignature(std::string_view content, ConversionFormat format) {
   return false;
 }
 
-std::string ToAnsiHtml(std::string_view utf8) {
+std::string FinishHtml(std::string_view utf8) {
   std::string source(utf8);
+  DropEmptyPictures(source);
   if (const size_t at = source.find(kOldCharset); at != std::string::npos) {
     source.replace(at, kOldCharset.size(), kNewCharset);
   }

@@ -12,8 +12,9 @@ namespace kestrelon::desktop {
 // complete.
 bool HasSignature(std::string_view content, ConversionFormat format);
 
-// UTF-8 HTML as Windows-1252 HTML: the declared charset is changed, characters without a place
-// become numeric references (in a style sheet, escapes).
-std::string ToAnsiHtml(std::string_view utf8);
+// The office suite's UTF-8 HTML as Windows-1252 HTML: the declared charset is changed, characters
+// without a place become numeric references (in a style sheet, escapes), and pictures that were not
+// loaded are left out.
+std::string FinishHtml(std::string_view utf8);
 
 }  // namespace kestrelon::desktop

@@ -165,7 +165,7 @@ void Converter::Convert(const fs::path& source, const fs::path& target, Conversi
     if (!HasSignature(content, format)) {
       throw AutomationError(kConversionFailed, u"what LibreOffice wrote is incomplete");
     }
-    if (format == ConversionFormat::kHtml) WriteFileAtomically(output, ToAnsiHtml(content));
+    if (format == ConversionFormat::kHtml) WriteFileAtomically(output, FinishHtml(content));
   } catch (const AutomationError& error) {
     if (error.number() != kConversionFailed) throw;
     throw AutomationError(kConversionFailed, FromUtf8("Cannot convert " + source.string() + " to " +

@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,21 +63,19 @@ std::vector<std::string> SplitRequest(std::string_view request) {
   return fields;
 }
 
-// Returns nothing on success, else the reason.
-std::string Convert(LibreOfficeKit* office, const std::vector<std::string>& request) {
-  if (request.size() != 4) return "the worker does not understand the request";
+void Answer(LibreOfficeKit* office, const std::vector<std::string>& request) {
+  if (request.size() != 4) return Reply("the worker does not understand the request");
   LibreOfficeKitDocument* const document =
       office->pClass->documentLoadWithOptions(office, UrlOf(request[0]).c_str(), kLoadOptions);
   if (document == nullptr) {
-    return "LibreOffice cannot read it (" + LastError(office) +
-           "); check that it is an undamaged document without a password";
+    return Reply("LibreOffice cannot read it (" + LastError(office) +
+                 "); check that it is an undamaged document without a password");
   }
   const int saved = document->pClass->saveAs(document, UrlOf(request[1]).c_str(),
                                              request[2].c_str(), request[3].c_str());
-  const std::string failure =
-      saved != 0 ? "" : "LibreOffice cannot write it (" + LastError(office) + ")";
+  Reply(saved != 0 ? "" : "LibreOffice cannot write it (" + LastError(office) + ")");
+  // After the reply: unloading is nothing that the converter must wait for.
   document->pClass->destroy(document);
-  return failure;
 }
 
 // A crash must end the process at once, not in a handler that tries to rescue documents.
@@ -110,7 +109,7 @@ int ServeConversions(const fs::path& program_folder, const fs::path& private_fol
   while (true) {
     const ssize_t size = recv(kWorkerSocket, message.data(), message.size(), 0);
     if (size <= 0) return 0;
-    Reply(Convert(office, SplitRequest({message.data(), static_cast<size_t>(size)})));
+    Answer(office, SplitRequest({message.data(), static_cast<size_t>(size)}));
   }
 }
 

@@ -65,19 +65,19 @@ void Allow(int ruleset, const fs::path& path, uint64_t rights) {
   close(folder);
 }
 
+// /proc only as far as it shows this process: others there may hold secrets in their environment.
 constexpr const char* kSystemFolders[] = {"/usr",
                                           "/bin",
                                           "/lib",
                                           "/lib32",
                                           "/lib64",
+                                          "/etc/alternatives",
                                           "/etc/fonts",
-                                          "/proc",
-                                          "/sys",
                                           "/etc/libreoffice",
-                                          "/var/lib/libreoffice",
-                                          "/var/spool/libreoffice",
+                                          "/proc/self",
                                           "/var/cache/fontconfig",
-                                          "/etc/alternatives"};
+                                          "/var/lib/libreoffice",
+                                          "/var/spool/libreoffice"};
 constexpr const char* kSystemFiles[] = {"/etc/ld.so.cache", "/etc/localtime"};
 constexpr const char* kDevices[] = {"/dev/null", "/dev/zero", "/dev/random", "/dev/urandom"};
 

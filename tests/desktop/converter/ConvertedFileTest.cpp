@@ -1,0 +1,54 @@
+#include <gtest/gtest.h>
+
+#include "desktop/converter/ConvertedFile.h"
+
+namespace kestrelon::desktop {
+namespace {
+
+TEST(ConvertedFileTest, OnlyACompleteFileOfTheFormatHasItsSignature) {
+  const std::string package =
+      "PK\x03\x04....[Content_Types].xml..." + std::string("PK\x05\x06") + std::string(18, '\0');
+  const std::string compound = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(504, '\0');
+  const struct {
+    const char* what;
+    std::string content;
+    ConversionFormat format;
+    bool expected;
+  } kCases[] = {
+      {"pdf", "%PDF-1.6\n...\n%%EOF\n", ConversionFormat::kPdf, true},
+      {"pdf cut off", "%PDF-1.6\n...", ConversionFormat::kPdf, false},
+      {"html for a pdf", "<html></html>", ConversionFormat::kPdf, false},
+      {"empty", "", ConversionFormat::kPdf, false},
+      {"docx", package, ConversionFormat::kDocx, true},
+      {"xlsx", package, ConversionFormat::kXlsx, true},
+      {"docx cut off", package.substr(0, 30), ConversionFormat::kDocx, false},
+      {"other zip", "PK\x03\x04mimetype PK\x05\x06", ConversionFormat::kDocx, false},
+      {"doc", compound, ConversionFormat::kDoc, true},
+      {"xls", compound, ConversionFormat::kXls, true},
+      {"docx for a doc", package, ConversionFormat::kDoc, false},
+      {"html", " \r\n<!DOCTYPE HTML>\n<HTML></html>\n", ConversionFormat::kHtml, true},
+      {"html without type", "<html lang=en></html>", ConversionFormat::kHtml, true},
+      {"html cut off", "<html><body>", ConversionFormat::kHtml, false},
+      {"text for html", "Dear <html></html>", ConversionFormat::kHtml, false},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(HasSignature(c.content, c.format), c.expected) << c.what;
+  }
+}
+
+TEST(ConvertedFileTest, HtmlBecomesAnsiWithReferencesForTheRest) {
+  EXPECT_EQ(FinishHtml("<meta content=\"text/html; charset=utf-8\"/>charset=utf-8"),
+            "<meta content=\"text/html; charset=windows-1252\"/>charset=utf-8");
+  EXPECT_EQ(FinishHtml("£5 caf\u00e9? \u20ac \u03a9 \u6f22 \U0001F600"),
+            "\xA3"
+            "5 caf\xE9? \x80 &#937; &#28450; &#128512;");
+  EXPECT_EQ(FinishHtml("<style>p { font: \u660e b }</style>\u660e"),
+            "<style>p { font: \\660e  b }</style>&#26126;")
+      << "a reference means nothing in a style sheet";
+  EXPECT_EQ(FinishHtml("<p>a<img src=\"data:image/png;base64,iVBORw0KGgo=\" width=\"9\"/>b"
+                       "<img src=\"data:image/png;base64,iVBORw0KGgoAAA\"/></p>"),
+            "<p>ab<img src=\"data:image/png;base64,iVBORw0KGgoAAA\"/></p>");
+}
+
+}  // namespace
+}  // namespace kestrelon::desktop

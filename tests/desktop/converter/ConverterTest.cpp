@@ -1,0 +1,245 @@
+// Conversions by the installed LibreOffice. All share one warm worker: each start costs a second.
+#include <arpa/inet.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <linux/landlock.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <zip.h>
+
+#include <chrono>
+#include <thread>
+
+#include "automation/Text.h"
+#include "desktop/converter/Converter.h"
+#include "tests/desktop/converter/ConverterWorld.h"
+
+namespace kestrelon::desktop {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr char kLetter[] =
+    "<html><head><meta charset=utf-8></head><body><p>Dear Zo\u00eb,</p>"
+    "<p>\u00a312, \u20ac5 &amp; \u03a9</p></body></html>";
+// One black pixel.
+constexpr char kPicture[] =
+    "\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\x01\0\0\0\x01\x08\0\0\0\0:~\x9bU\0\0\0\nIDATx\x9c"
+    "c`\0\0\0\x02\0\x01H\xaf\xa4q\0\0\0\0IEND\xae"
+    "B`\x82";
+const std::string kPng(kPicture, sizeof kPicture - 1);
+
+constexpr char kRelationships[] =
+    "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
+constexpr char kType[] =
+    " Type=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+
+// A .docx with one picture, `blip` being how it is referred to and `relationship` the rest of what
+// it refers to.
+void WriteDocx(const std::filesystem::path& path, const std::string& blip,
+               const std::string& relationship) {
+  const std::pair<std::string, std::string> parts[] = {
+      {"[Content_Types].xml",
+       "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\"><Default "
+       "Extension=\"rels\" ContentType=\"application/vnd.openxmlformats-package.relationships+xml\""
+       "/><Default Extension=\"png\" ContentType=\"image/png\"/><Override PartName="
+       "\"/word/document.xml\" ContentType=\"application/vnd.openxmlformats-officedocument."
+       "wordprocessingml.document.main+xml\"/></Types>"},
+      {"_rels/.rels", std::string(kRelationships) + "<Relationship Id=\"r1\"" + kType +
+                          "officeDocument\" Target=\"word/document.xml\"/></Relationships>"},
+      {"word/_rels/document.xml.rels", std::string(kRelationships) + "<Relationship Id=\"p\"" +
+                                           kType + "image\" " + relationship +
+                                           "/></Relationships>"},
+      {"word/media/p.png", kPng},
+      {"word/document.xml",
+       "<w:document xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\" "
+       "xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\" xmlns:d="
+       "\"http://schemas.openxmlformats.org/drawingml/2006/wordprocessingDrawing\" xmlns:a=\""
+       "http://schemas.openxmlformats.org/drawingml/2006/main\" xmlns:p=\"http://schemas."
+       "openxmlformats.org/drawingml/2006/picture\"><w:body><w:p><w:r><w:t>Hello</w:t></w:r><w:r>"
+       "<w:drawing><d:inline><d:extent cx=\"900000\" cy=\"900000\"/><d:docPr id=\"1\" name=\"P\"/>"
+       "<a:graphic><a:graphicData uri=\"http://schemas.openxmlformats.org/drawingml/2006/picture\">"
+       "<p:pic><p:nvPicPr><p:cNvPr id=\"1\" name=\"P\"/><p:cNvPicPr/></p:nvPicPr><p:blipFill>"
+       "<a:blip " +
+           blip +
+           "/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr><a:xfrm><a:off x=\"0\" "
+           "y=\"0\"/><a:ext cx=\"900000\" cy=\"900000\"/></a:xfrm><a:prstGeom prst=\"rect\"/>"
+           "</p:spPr></p:pic></a:graphicData></a:graphic></d:inline></w:drawing></w:r></w:p>"
+           "</w:body></w:document>"},
+  };
+  zip_t* const archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
+  for (const auto& [name, content] : parts) {
+    zip_file_add(archive, name.c_str(),
+                 zip_source_buffer(archive, content.data(), content.size(), 0), ZIP_FL_ENC_UTF_8);
+  }
+  ASSERT_EQ(zip_close(archive), 0);
+}
+
+// Counts the connections that somebody makes to it.
+class LoopbackListener {
+ public:
+  LoopbackListener() : socket_(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
+    address_.sin_family = AF_INET;
+    address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address_;
+    bind(socket_, reinterpret_cast<sockaddr*>(&address_), size);
+    listen(socket_, 16);
+    getsockname(socket_, reinterpret_cast<sockaddr*>(&address_), &size);
+  }
+  ~LoopbackListener() { close(socket_); }
+  std::string Url(const std::string& name) const {
+    return "http://127.0.0.1:" + std::to_string(ntohs(address_.sin_port)) + "/" + name;
+  }
+  int Connections() const {
+    int count = 0;
+    for (int peer; (peer = accept(socket_, nullptr, nullptr)) >= 0; ++count) close(peer);
+    return count;
+  }
+
+ private:
+  int socket_;
+  sockaddr_in address_{};
+};
+
+bool KernelRestrictsFiles() {
+  return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) > 0;
+}
+
+class ConverterTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    world_ = new ConverterWorld;
+    converter_ = new Converter;
+  }
+  static void TearDownTestSuite() {
+    delete converter_;
+    EXPECT_EQ(world_->PrivateFolders(), 0u);
+    EXPECT_THAT(Descendants(getpid()), testing::IsEmpty());
+    delete world_;
+  }
+
+  // The content of what `source` becomes.
+  static std::string Convert(const std::filesystem::path& source, const std::string& extension,
+                             ConversionFormat format) {
+    const auto target = *world_ / ("converted." + extension);
+    std::filesystem::remove(target);
+    converter_->Convert(source, target, format);
+    return ReadWholeFile(target);
+  }
+  static std::string ToText(const std::filesystem::path& pdf) {
+    const auto text = *world_ / "text";
+    const std::string command = "pdftotext '" + pdf.string() + "' '" + text.string() + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    return ReadWholeFile(text);
+  }
+
+  static ConverterWorld* world_;
+  static Converter* converter_;
+};
+
+ConverterWorld* ConverterTest::world_;
+Converter* ConverterTest::converter_;
+
+TEST_F(ConverterTest, TextGoesThroughEveryFormat) {
+  const auto source = world_->Write("a letter \u00e4%20.html", kLetter);
+  EXPECT_THAT(Convert(source, "docx", ConversionFormat::kDocx), HasSubstr("word/document.xml"));
+  const auto docx = *world_ / "letter.docx";
+  std::filesystem::rename(*world_ / "converted.docx", docx);
+  Convert(docx, "doc", ConversionFormat::kDoc);
+  const auto doc = *world_ / "letter.doc";
+  std::filesystem::rename(*world_ / "converted.doc", doc);
+  Convert(doc, "pdf", ConversionFormat::kPdf);
+  EXPECT_THAT(ToText(*world_ / "converted.pdf"),
+              HasSubstr("Dear Zo\u00eb,\n\u00a312, \u20ac5 & \u03a9"));
+  const std::string html = Convert(docx, "htm", ConversionFormat::kHtml);
+  EXPECT_THAT(html, HasSubstr("charset=windows-1252"));
+  EXPECT_THAT(html, HasSubstr("Dear Zo\xEB,"));
+  EXPECT_THAT(html, HasSubstr("\xA3"
+                              "12, \x80"
+                              "5 &amp; &#937;"));
+  EXPECT_EQ(world_->PrivateFolders(), 1u) << "one warm worker serves them all";
+}
+
+TEST_F(ConverterTest, WhatCannotBeConvertedIsToldWithTheReason) {
+  const auto damaged = world_->Write("damaged.docx", "PK\x03\x04 and then nothing");
+  EXPECT_THROW(
+      {
+        try {
+          Convert(damaged, "pdf", ConversionFormat::kPdf);
+        } catch (const AutomationError& error) {
+          EXPECT_EQ(error.number(), kConversionFailed);
+          EXPECT_THAT(ToUtf8(error.description()), HasSubstr("damaged.docx to PDF"));
+          throw;
+        }
+      },
+      AutomationError);
+  EXPECT_THROW(Convert(*world_ / "missing.docx", "pdf", ConversionFormat::kPdf), AutomationError);
+  EXPECT_FALSE(std::filesystem::exists(*world_ / "converted.pdf"));
+}
+
+TEST_F(ConverterTest, PicturesOfTheDocumentAreKeptInOneHtmlFile) {
+  WriteDocx(*world_ / "own.docx", "r:embed=\"p\"", "Target=\"media/p.png\"");
+  EXPECT_THAT(Convert(*world_ / "own.docx", "html", ConversionFormat::kHtml),
+              HasSubstr("src=\"data:image/png;base64,"));
+}
+
+TEST_F(ConverterTest, LinksReachNeitherFilesNorNetwork) {
+  const LoopbackListener listener;
+  const std::string file = "file://" + world_->Write("secret.png", kPng).string();
+  for (const std::string& url : {file, listener.Url("secret.png")}) {
+    WriteDocx(*world_ / "linked.docx", "r:link=\"p\"",
+              "TargetMode=\"External\" Target=\"" + url + "\"");
+    world_->Write("linked.html", "<html><link rel=stylesheet href=\"" + url +
+                                     "\"><p>Hello<img src=\"" + url + "\"></p></html>");
+    world_->Write("linked.rtf", "{\\rtf1 Hello {\\field{\\*\\fldinst INCLUDEPICTURE \"" + url +
+                                    "\" \\\\d}{\\fldrslt x}}}");
+    for (const char* name : {"linked.docx", "linked.html", "linked.rtf"}) {
+      if (name == std::string("linked.rtf") && !KernelRestrictsFiles()) continue;
+      SCOPED_TRACE(std::string(name) + " with " + url);
+      const std::string html = Convert(*world_ / name, "htm", ConversionFormat::kHtml);
+      EXPECT_THAT(html, HasSubstr("Hello"));
+      EXPECT_THAT(html, Not(HasSubstr("data:image/png")));
+      EXPECT_THAT(Convert(*world_ / name, "docx", ConversionFormat::kDocx),
+                  Not(HasSubstr("word/media/")));
+    }
+  }
+  EXPECT_EQ(listener.Connections(), 0);
+}
+
+TEST_F(ConverterTest, AKilledWorkerIsReplaced) {
+  const auto source = world_->Write("letter.html", kLetter);
+  Convert(source, "pdf", ConversionFormat::kPdf);
+  const std::vector<pid_t> before = Descendants(getpid());
+  ASSERT_EQ(before.size(), 2u) << "a supervisor and the office process";
+  kill(before[1], SIGKILL);
+  Convert(source, "pdf", ConversionFormat::kPdf);
+  EXPECT_THAT(ToText(*world_ / "converted.pdf"), HasSubstr("Dear Zo\u00eb"));
+  EXPECT_EQ(world_->PrivateFolders(), 1u);
+  EXPECT_EQ(Descendants(getpid()).size(), 2u);
+}
+
+TEST_F(ConverterTest, AKilledProgramLeavesNothingBehind) {
+  const auto source = world_->Write("letter.html", kLetter);
+  const ConverterWorld other;
+  const auto target = other / "killed.pdf";
+  const pid_t program = fork();
+  if (program == 0) {
+    Converter converter;
+    converter.Convert(source, target, ConversionFormat::kPdf);
+    kill(getpid(), SIGKILL);
+  }
+  int status = 0;
+  waitpid(program, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+  EXPECT_TRUE(std::filesystem::exists(target));
+  for (int i = 0; i < 1000 && other.PrivateFolders() != 0; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(other.PrivateFolders(), 0u);
+}
+
+}  // namespace
+}  // namespace kestrelon::desktop
