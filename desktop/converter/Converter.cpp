@@ -1,6 +1,9 @@
 #include "desktop/converter/Converter.h"
 
+#include <unistd.h>
+
 #include <cctype>
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
@@ -114,6 +117,8 @@ Reply Converter::Implementation::RunOnce(const fs::path& source, ConversionForma
   const fs::path input = folder / SourceName(source);
   output = folder / (std::string("target.") + traits.extension);
   std::error_code error;
+  fs::remove_all(folder, error);  // no earlier output may pass for this one's
+  fs::create_directory(folder, error);
   fs::copy_file(source, input, fs::copy_options::overwrite_existing, error);
   if (error) throw FileError(error.value(), source);
   const std::string separator(1, '\0');
@@ -158,10 +163,12 @@ Converter::~Converter() = default;
 void Converter::Convert(const fs::path& source, const fs::path& target, ConversionFormat format) {
   const std::scoped_lock lock(self_->one_at_a_time);
   const FormatTraits traits = TraitsOf(format);
+  // Before a worker is started in vain.
+  if (access(source.c_str(), R_OK) != 0) throw FileError(errno, source);
   fs::path output;
   try {
     self_->Run(source, format, output);
-    const std::string content = ReadWholeFile(output);
+    const std::string content = fs::exists(output) ? ReadWholeFile(output) : std::string();
     if (!HasSignature(content, format)) {
       throw AutomationError(kConversionFailed, u"what LibreOffice wrote is incomplete");
     }

@@ -27,14 +27,18 @@ struct ConverterLimits {
 
 class Converter {
  public:
+  // A limit that is not positive, or over a day, is replaced by its default.
   explicit Converter(ConverterLimits limits = {});
   ~Converter();  // ends the worker and removes its profile
   Converter(const Converter&) = delete;
   Converter& operator=(const Converter&) = delete;
 
-  // Reads `source`, whatever its format, and writes `target`, which appears only when it is
-  // complete and carries the signature of the format. HTML is one self-contained file in
-  // Windows-1252 (pictures as data URIs, other characters as numeric references).
+  // Reads `source`, whatever its format (from a copy: nothing appears beside it), and writes
+  // `target`, which appears only when it is complete and carries the signature of the format. HTML
+  // is one self-contained file in Windows-1252 (pictures as data URIs, other characters as numeric
+  // references). Throws kConversionFailed, and the errors of desktop/storage for a source that
+  // cannot be read and a target that cannot be written. One conversion at a time; other threads
+  // wait.
   void Convert(const std::filesystem::path& source, const std::filesystem::path& target,
                ConversionFormat format);
 

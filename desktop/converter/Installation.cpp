@@ -36,7 +36,8 @@ fs::path FindLibreOffice() {
   if (!chosen.empty()) {
     if (HoldsLibreOffice(chosen)) return fs::absolute(chosen);
     Fail("KESTRELON_LIBREOFFICE names " + chosen.string() +
-         ", which is not LibreOffice's program folder; correct or unset it");
+         ", which is not LibreOffice's program folder; correct or unset it, or install the Debian "
+         "package libreoffice-writer-nogui");
   }
   std::vector<fs::path> candidates;
   std::error_code ignored;
@@ -50,7 +51,7 @@ fs::path FindLibreOffice() {
   const auto found = std::find_if(candidates.begin(), candidates.end(), HoldsLibreOffice);
   if (found != candidates.end()) return *found;
   Fail(
-      "LibreOffice is not installed; install the package libreoffice-writer-nogui, or set "
+      "LibreOffice is not installed; install the Debian package libreoffice-writer-nogui, or set "
       "KESTRELON_LIBREOFFICE to the program folder of an installation");
 }
 
@@ -59,7 +60,7 @@ void RequireApplication(const fs::path& program_folder, ConversionFormat format)
   const std::string name = sheet ? "calc" : "writer";
   if (Exists(program_folder / "../share/registry" / (name + ".xcd"))) return;
   Fail("LibreOffice in " + program_folder.string() + " lacks " + (sheet ? "Calc" : "Writer") +
-       "; install the package libreoffice-" + name + "-nogui");
+       "; install the Debian package libreoffice-" + name + "-nogui");
 }
 
 fs::path FindWorker() {
