@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
@@ -71,15 +70,6 @@ std::string InSeconds(milliseconds limit) {
   return text + " s";
 }
 
-// The office suite looks at content and extension; ours keeps what is plain of the source's.
-std::string SourceName(const fs::path& source) {
-  std::string name = "source.";
-  for (const char c : source.extension().string().substr(0, 10)) {
-    if (std::isalnum(static_cast<unsigned char>(c)) != 0) name += c;
-  }
-  return name;
-}
-
 }  // namespace
 
 struct Converter::Implementation {
@@ -114,18 +104,19 @@ Reply Converter::Implementation::RunOnce(const fs::path& source, ConversionForma
                                          fs::path& output, milliseconds limit) {
   const FormatTraits traits = TraitsOf(format);
   const fs::path folder = worker->job_folder();
-  const fs::path input = folder / SourceName(source);
+  // The copy keeps its name, which fields in the document may show.
+  const fs::path input = folder / "source" / source.filename();
   output = folder / (std::string("target.") + traits.extension);
   std::error_code error;
   fs::remove_all(folder, error);  // no earlier output may pass for this one's
-  fs::create_directory(folder, error);
-  fs::copy_file(source, input, fs::copy_options::overwrite_existing, error);
+  fs::create_directories(input.parent_path(), error);
+  fs::copy_file(source, input, error);
   if (error) throw FileError(error.value(), source);
   const std::string separator(1, '\0');
   Reply reply = worker->Ask(input.string() + separator + output.string() + separator +
                                 traits.extension + separator + traits.options,
                             limit);
-  fs::remove(input, error);
+  fs::remove_all(input.parent_path(), error);
   return reply;
 }
 

@@ -27,6 +27,7 @@ constexpr Setting kSettings[] = {
     {"Office.Java/VirtualMachine", "Enable", "false"},
     {"Office.Recovery/AutoSave", "Enabled", "false"},
     {"Office.Recovery/RecoveryInfo", "Enabled", "false"},
+    {"Office.Linguistic/SpellChecking", "IsSpellAuto", "false"},  // nobody sees the wavy lines
     // "Never", which the two applications count differently.
     {"Office.Writer/Content/Update", "Link", "2"},
     {"Office.Calc/Content/Update", "Link", "1"},

@@ -8,7 +8,8 @@
 //   converter → worker   a request: source, target, format and options, joined by NUL
 //   worker → converter   a reply to it
 //
-// A reply is "+", or "-" and the reason (UTF-8). Closing the converter's end ends the worker.
+// A reply is "+", or "-" and the reason (UTF-8); with it, the document is unloaded and both files
+// are the converter's again. Closing the converter's end ends the worker.
 #pragma once
 
 #include <cstddef>

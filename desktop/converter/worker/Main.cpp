@@ -72,6 +72,7 @@ int main(int count, char** arguments) {
     std::fprintf(stderr, "kestrelon-converter is started by Kestrelon, not by hand\n");
     return 2;
   }
+  if (chdir("/") != 0) return 2;  // a relative link must not lead to where the caller works
   sigset_t signals, before;
   sigemptyset(&signals);
   for (const int number : {SIGCHLD, SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, number);
