@@ -1,0 +1,62 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+
+#include "desktop/opener/Opener.h"
+#include "tests/desktop/opener/RecordingOpener.h"
+
+namespace kestrelon::desktop {
+namespace {
+
+TEST(Opener, StartsTheProgramDetachedWithOneArgument) {
+  const RecordingOpener opener("$#|$1|$(readlink /proc/self/fd/0)|$(readlink /proc/self/fd/2)");
+  EXPECT_TRUE(HasOpener());
+  const std::string target = "/tmp/a letter; $(touch x) 'é'.docx";
+  EXPECT_EQ(OpenForUser(target), OpenOutcome::kStarted);
+  EXPECT_EQ(opener.Next(), "1|" + target + "|/dev/null|/dev/null");
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child was left behind";
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST(Opener, RunsInASessionOfItsOwn) {
+  const RecordingOpener opener("$(cut -d ' ' -f 6 /proc/self/stat)");
+  EXPECT_EQ(OpenForUser("/tmp/x"), OpenOutcome::kStarted);
+  EXPECT_NE(opener.Next(), std::to_string(getsid(0)));
+}
+
+TEST(Opener, SaysWhenThereIsNothingToStart) {
+  const ChangedEnvironment no_display("DISPLAY", "");
+  const ChangedEnvironment no_wayland("WAYLAND_DISPLAY", "");
+  {
+    const ChangedEnvironment none("KESTRELON_OPENER", "");
+    EXPECT_FALSE(HasOpener());
+    EXPECT_EQ(OpenForUser("/tmp/x"), OpenOutcome::kNoOpener);
+  }
+  const ChangedEnvironment missing("KESTRELON_OPENER", "/nonexistent/viewer");
+  EXPECT_EQ(OpenForUser("/tmp/x"), OpenOutcome::kCannotStart);
+  const PrivateFolder folder("kestrelon-opener-test-");
+  WriteFileAtomically(folder.path() / "viewer", "no program");
+  std::filesystem::permissions(folder.path() / "viewer", std::filesystem::perms::owner_all);
+  const ChangedEnvironment broken("KESTRELON_OPENER", (folder.path() / "viewer").string());
+  EXPECT_EQ(OpenForUser("/tmp/x"), OpenOutcome::kCannotStart);
+}
+
+TEST(Opener, FallsBackToTheDesktopsOwnOnlyWithADisplay) {
+  const RecordingOpener opener;
+  const PrivateFolder programs("kestrelon-opener-test-");
+  std::filesystem::copy(opener.program(), programs.path() / "xdg-open");
+  const ChangedEnvironment none("KESTRELON_OPENER", "");
+  const ChangedEnvironment path("PATH", "/nonexistent::" + programs.path().string());
+  const ChangedEnvironment no_wayland("WAYLAND_DISPLAY", "");
+  {
+    const ChangedEnvironment no_display("DISPLAY", "");
+    EXPECT_EQ(OpenForUser("/tmp/x"), OpenOutcome::kNoOpener);
+  }
+  const ChangedEnvironment display("DISPLAY", ":7");
+  EXPECT_EQ(OpenForUser("/tmp/x"), OpenOutcome::kStarted);
+  EXPECT_EQ(opener.Next(), "/tmp/x");
+}
+
+}  // namespace
+}  // namespace kestrelon::desktop
