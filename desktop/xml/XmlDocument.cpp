@@ -1,0 +1,136 @@
+#include "desktop/xml/XmlDocument.h"
+
+#include "desktop/storage/AtomicFile.h"
+#include "desktop/storage/Paths.h"
+#include "desktop/xml/NodeMarkup.h"
+#include "desktop/xml/XmlDocuments.h"
+
+namespace kestrelon::desktop {
+namespace {
+
+XmlTreePointer EmptyTree() {
+  const xmlDocPtr document = xmlNewDoc(nullptr);
+  if (document == nullptr) throw AutomationError(kOutOfMemory);
+  return std::make_shared<XmlTree>(document);
+}
+
+class ParseError final : public ServerObject<ParseError> {
+ public:
+  explicit ParseError(XmlParseError error) : error_(std::move(error)) {}
+  static const MemberTable<ParseError>& Members() {
+    static const MemberTable<ParseError> table =
+        MemberTable<ParseError>(u"IXMLDOMParseError")
+            .Property(u"errorCode", &ParseError::GetErrorCode)
+            .Property(u"", &ParseError::GetErrorCode)
+            .Property(u"reason", &ParseError::GetReason)
+            .Property(u"line", &ParseError::GetLine)
+            .Property(u"linepos", &ParseError::GetLinePosition);
+    return table;
+  }
+
+ private:
+  Value GetErrorCode() { return error_.code; }
+  Value GetReason() { return error_.reason; }
+  Value GetLine() { return error_.line; }
+  Value GetLinePosition() { return error_.position; }
+
+  XmlParseError error_;
+};
+
+}  // namespace
+
+XmlDocument::XmlDocument(XmlTreePointer tree) : NodeMembers(tree, tree->node()) {}
+
+const MemberTable<XmlDocument>& XmlDocument::Members() {
+  static const MemberTable<XmlDocument> table =
+      AddTo(MemberTable<XmlDocument>(u"DOMDocument"))
+          .Property(u"async", &XmlDocument::GetAsync, &XmlDocument::PutAsync)
+          .Property(u"preserveWhiteSpace", &XmlDocument::GetPreserveWhiteSpace,
+                    &XmlDocument::PutPreserveWhiteSpace)
+          .Property(u"documentElement", &XmlDocument::GetDocumentElement)
+          .Property(u"parseError", &XmlDocument::GetParseError)
+          .Method(u"loadXML", &XmlDocument::LoadXml, {u"bstrXML"})
+          .Method(u"load", &XmlDocument::Load, {u"xmlSource"})
+          .Method(u"save", &XmlDocument::Save, {u"destination"})
+          .Method(u"setProperty", &XmlDocument::SetProperty, {u"name", u"value"});
+  return table;
+}
+
+void XmlDocument::PutPreserveWhiteSpace(const Value& value) {
+  options_.preserve_white_space = value.ToBoolean();
+}
+
+Value XmlDocument::GetDocumentElement() {
+  return WrapNode(tree(), xmlDocGetRootElement(tree()->document()));
+}
+
+Value XmlDocument::GetParseError() { return Object(std::make_shared<ParseError>(error_)); }
+
+Value XmlDocument::LoadXml(const MethodArguments& arguments) {
+  return Take(ParseXmlText(arguments.Require(0).ToText(), options_));
+}
+
+Value XmlDocument::Load(const MethodArguments& arguments) {
+  const String path = arguments.Require(0).ToText();
+  XmlParseResult result;
+  try {
+    result = ParseXmlBytes(ReadWholeFile(PathFromText(path)), options_);
+  } catch (const AutomationError& error) {
+    result.error = {error.number(), path + u": " + error.description(), 0, 0};
+  }
+  return Take(std::move(result));
+}
+
+// UTF-8, which the declaration, where there is one, leaves as it is.
+Value XmlDocument::Save(const MethodArguments& arguments) {
+  WriteFileAtomically(PathFromText(arguments.Require(0).ToText()), ToUtf8(NodeMarkup(*node())));
+  return {};
+}
+
+Value XmlDocument::SetProperty(const MethodArguments& arguments) {
+  const String name = arguments.Require(0).ToText();
+  const String value = arguments.Require(1).ToText();
+  if (name == u"SelectionNamespaces") {
+    tree()->selector().SetNamespaces(ParseNamespaceBindings(value));
+  } else if (name != u"SelectionLanguage") {
+    throw AutomationError(kInvalidProcedureCall, u"\"" + name +
+                                                     u"\" is no property of this document; it has "
+                                                     u"SelectionLanguage and SelectionNamespaces");
+  } else if (value != u"XPath") {
+    throw AutomationError(kInvalidProcedureCall,
+                          u"SelectionLanguage can be \"XPath\" only, not \"" + value + u"\"");
+  }
+  return {};
+}
+
+bool XmlDocument::Take(XmlParseResult result) {
+  XmlTreePointer loaded =
+      result.document ? std::make_shared<XmlTree>(result.document.release()) : EmptyTree();
+  loaded->selector().SetNamespaces(tree()->selector().namespaces());
+  Reset(std::move(loaded));
+  error_ = std::move(result.error);
+  return error_.code == 0;
+}
+
+Object WrapNode(const XmlTreePointer& tree, xmlNodePtr node) {
+  if (node == nullptr) return nullptr;
+  if (node->type == XML_DOCUMENT_NODE) return Object(std::make_shared<XmlDocument>(tree));
+  return Object(std::make_shared<XmlNode>(tree, node));
+}
+
+Object CreateXmlDocument() { return Object(std::make_shared<XmlDocument>(EmptyTree())); }
+
+Object ParseXmlDocument(std::string_view bytes) {
+  XmlParseResult result = ParseXmlBytes(bytes, {});
+  if (!result.document) {
+    throw AutomationError(kInvalidProcedureCall,
+                          u"The XML is not well-formed: line " +
+                              FromUtf8(std::to_string(result.error.line)) + u", column " +
+                              FromUtf8(std::to_string(result.error.position)) + u": " +
+                              result.error.reason);
+  }
+  return Object(
+      std::make_shared<XmlDocument>(std::make_shared<XmlTree>(result.document.release())));
+}
+
+}  // namespace kestrelon::desktop
