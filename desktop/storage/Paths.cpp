@@ -2,9 +2,14 @@
 
 #include <algorithm>
 
+#include "automation/AutomationError.h"
+
 namespace kestrelon::desktop {
 
 std::filesystem::path PathFromText(StringView text) {
+  if (text.find(u'\0') != StringView::npos) {
+    throw AutomationError(kInvalidProcedureCall, u"A path cannot hold a NUL character");
+  }
   std::string path = ToUtf8(text);
   std::replace(path.begin(), path.end(), '\\', '/');
   return path;

@@ -7,6 +7,7 @@
 
 namespace kestrelon::desktop {
 
+// Error 5 for text with a NUL character.
 std::filesystem::path PathFromText(StringView text);
 String TextFromPath(const std::filesystem::path& path);
 
