@@ -1,36 +1,28 @@
-// The DOMDocument: a node, and what loads, saves and configures it.
+// The documents that pages and members exchange: MSXML's DOM on libxml2, and a page's own HTML
+// document.
+//
+// Parsing follows the DOM's defaults: text of white space only is dropped, comments and processing
+// instructions are child nodes, the XML declaration is the processing instruction "xml". A DOCTYPE
+// is refused, and with it every entity but the predefined ones; nothing is fetched. Elements nest
+// at most 256 deep, one text is at most 10 MB long. Node objects keep their document alive.
 #pragma once
 
-#include "desktop/xml/NodeMembers.h"
-#include "desktop/xml/XmlParser.h"
+#include <string_view>
+
+#include "automation/DispatchObject.h"
 
 namespace kestrelon::desktop {
 
-class XmlDocument final : public NodeMembers, public ServerObject<XmlDocument> {
- public:
-  // The document object of a tree.
-  explicit XmlDocument(XmlTreePointer tree);
+// A new, empty DOMDocument.
+Object CreateXmlDocument();
 
-  static const MemberTable<XmlDocument>& Members();
+// The document of `bytes`, in the encoding that they declare (UTF-8 when they declare none).
+// Error 5 with line, column and reason when they are not well-formed.
+Object ParseXmlDocument(std::string_view bytes);
 
- private:
-  Value GetAsync() { return async_; }
-  void PutAsync(const Value& value) { async_ = value.ToBoolean(); }
-  Value GetPreserveWhiteSpace() { return options_.preserve_white_space; }
-  void PutPreserveWhiteSpace(const Value& value);
-  Value GetDocumentElement();
-  Value GetParseError();
-  Value LoadXml(const MethodArguments& arguments);
-  Value Load(const MethodArguments& arguments);
-  Value Save(const MethodArguments& arguments);
-  Value SetProperty(const MethodArguments& arguments);
-
-  // Takes the outcome of a parse; true when there is a document. After a failure it is empty.
-  bool Take(XmlParseResult result);
-
-  XmlParseError error_;
-  XmlParseOptions options_;
-  bool async_ = true;  // kept for callers that ask; loading always completes at once
-};
+// A page's document; markup of any quality. The encoding is the declared one, else UTF-8 where the
+// bytes are valid UTF-8, else Windows-1252. `documentElement.outerHTML` gives the markup back.
+// Error 5 when elements nest deeper than 256.
+Object ParseHtmlDocument(std::string_view bytes);
 
 }  // namespace kestrelon::desktop

@@ -1,9 +1,9 @@
-#include "desktop/xml/XmlDocument.h"
+#include "desktop/xml/DocumentNode.h"
 
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
 #include "desktop/xml/NodeMarkup.h"
-#include "desktop/xml/XmlDocuments.h"
+#include "desktop/xml/XmlDocument.h"
 
 namespace kestrelon::desktop {
 namespace {
@@ -39,38 +39,38 @@ class ParseError final : public ServerObject<ParseError> {
 
 }  // namespace
 
-XmlDocument::XmlDocument(XmlTreePointer tree) : NodeMembers(tree, tree->node()) {}
+DocumentNode::DocumentNode(XmlTreePointer tree) : NodeMembers(tree, tree->node()) {}
 
-const MemberTable<XmlDocument>& XmlDocument::Members() {
-  static const MemberTable<XmlDocument> table =
-      AddTo(MemberTable<XmlDocument>(u"DOMDocument"))
-          .Property(u"async", &XmlDocument::GetAsync, &XmlDocument::PutAsync)
-          .Property(u"preserveWhiteSpace", &XmlDocument::GetPreserveWhiteSpace,
-                    &XmlDocument::PutPreserveWhiteSpace)
-          .Property(u"documentElement", &XmlDocument::GetDocumentElement)
-          .Property(u"parseError", &XmlDocument::GetParseError)
-          .Method(u"loadXML", &XmlDocument::LoadXml, {u"bstrXML"})
-          .Method(u"load", &XmlDocument::Load, {u"xmlSource"})
-          .Method(u"save", &XmlDocument::Save, {u"destination"})
-          .Method(u"setProperty", &XmlDocument::SetProperty, {u"name", u"value"});
+const MemberTable<DocumentNode>& DocumentNode::Members() {
+  static const MemberTable<DocumentNode> table =
+      AddTo(MemberTable<DocumentNode>(u"DOMDocument"))
+          .Property(u"async", &DocumentNode::GetAsync, &DocumentNode::PutAsync)
+          .Property(u"preserveWhiteSpace", &DocumentNode::GetPreserveWhiteSpace,
+                    &DocumentNode::PutPreserveWhiteSpace)
+          .Property(u"documentElement", &DocumentNode::GetDocumentElement)
+          .Property(u"parseError", &DocumentNode::GetParseError)
+          .Method(u"loadXML", &DocumentNode::LoadXml, {u"bstrXML"})
+          .Method(u"load", &DocumentNode::Load, {u"xmlSource"})
+          .Method(u"save", &DocumentNode::Save, {u"destination"})
+          .Method(u"setProperty", &DocumentNode::SetProperty, {u"name", u"value"});
   return table;
 }
 
-void XmlDocument::PutPreserveWhiteSpace(const Value& value) {
+void DocumentNode::PutPreserveWhiteSpace(const Value& value) {
   options_.preserve_white_space = value.ToBoolean();
 }
 
-Value XmlDocument::GetDocumentElement() {
+Value DocumentNode::GetDocumentElement() {
   return WrapNode(tree(), xmlDocGetRootElement(tree()->document()));
 }
 
-Value XmlDocument::GetParseError() { return Object(std::make_shared<ParseError>(error_)); }
+Value DocumentNode::GetParseError() { return Object(std::make_shared<ParseError>(error_)); }
 
-Value XmlDocument::LoadXml(const MethodArguments& arguments) {
+Value DocumentNode::LoadXml(const MethodArguments& arguments) {
   return Take(ParseXmlText(arguments.Require(0).ToText(), options_));
 }
 
-Value XmlDocument::Load(const MethodArguments& arguments) {
+Value DocumentNode::Load(const MethodArguments& arguments) {
   const String path = arguments.Require(0).ToText();
   XmlParseResult result;
   try {
@@ -82,12 +82,12 @@ Value XmlDocument::Load(const MethodArguments& arguments) {
 }
 
 // UTF-8, which the declaration, where there is one, leaves as it is.
-Value XmlDocument::Save(const MethodArguments& arguments) {
+Value DocumentNode::Save(const MethodArguments& arguments) {
   WriteFileAtomically(PathFromText(arguments.Require(0).ToText()), ToUtf8(NodeMarkup(*node())));
   return {};
 }
 
-Value XmlDocument::SetProperty(const MethodArguments& arguments) {
+Value DocumentNode::SetProperty(const MethodArguments& arguments) {
   const String name = arguments.Require(0).ToText();
   const String value = arguments.Require(1).ToText();
   if (name == u"SelectionNamespaces") {
@@ -103,7 +103,7 @@ Value XmlDocument::SetProperty(const MethodArguments& arguments) {
   return {};
 }
 
-bool XmlDocument::Take(XmlParseResult result) {
+bool DocumentNode::Take(XmlParseResult result) {
   XmlTreePointer loaded =
       result.document ? std::make_shared<XmlTree>(result.document.release()) : EmptyTree();
   loaded->selector().SetNamespaces(tree()->selector().namespaces());
@@ -114,11 +114,11 @@ bool XmlDocument::Take(XmlParseResult result) {
 
 Object WrapNode(const XmlTreePointer& tree, xmlNodePtr node) {
   if (node == nullptr) return nullptr;
-  if (node->type == XML_DOCUMENT_NODE) return Object(std::make_shared<XmlDocument>(tree));
+  if (node->type == XML_DOCUMENT_NODE) return Object(std::make_shared<DocumentNode>(tree));
   return Object(std::make_shared<XmlNode>(tree, node));
 }
 
-Object CreateXmlDocument() { return Object(std::make_shared<XmlDocument>(EmptyTree())); }
+Object CreateXmlDocument() { return Object(std::make_shared<DocumentNode>(EmptyTree())); }
 
 Object ParseXmlDocument(std::string_view bytes) {
   XmlParseResult result = ParseXmlBytes(bytes, {});
@@ -130,7 +130,7 @@ Object ParseXmlDocument(std::string_view bytes) {
                               result.error.reason);
   }
   return Object(
-      std::make_shared<XmlDocument>(std::make_shared<XmlTree>(result.document.release())));
+      std::make_shared<DocumentNode>(std::make_shared<XmlTree>(result.document.release())));
 }
 
 }  // namespace kestrelon::desktop

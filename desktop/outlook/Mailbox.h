@@ -1,0 +1,23 @@
+// The folder that holds the user's mailbox.
+//
+// $KESTRELON_MAILBOX, else kestrelon/mailbox in $XDG_DATA_HOME (~/.local/share). Drafts are the
+// files Drafts/ENTRYID.eml. Folders are created on first use, for the user alone.
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+#include "automation/Text.h"
+
+namespace kestrelon::desktop {
+
+// Error 76 when no variable says where the mailbox is.
+std::filesystem::path MailboxFolder();
+
+// 32 random hexadecimal digits.
+String NewEntryId();
+
+// Writes or replaces a draft, safe against a power loss; the path of its file.
+std::filesystem::path WriteDraft(StringView entry_id, std::string_view message);
+
+}  // namespace kestrelon::desktop

@@ -1,0 +1,118 @@
+#include "desktop/outlook/Recipients.h"
+
+#include <algorithm>
+
+namespace kestrelon::desktop {
+namespace {
+
+// Strict on purpose: what is not plainly an address is kept as a name, and nothing is lost.
+bool IsAddress(StringView text) {
+  const size_t at = text.find(u'@');
+  if (at == 0 || at == StringView::npos || at + 1 == text.size()) return false;
+  if (text.find(u'@', at + 1) != StringView::npos) return false;
+  const StringView local = text.substr(0, at);
+  const bool is_ascii =
+      std::all_of(local.begin(), local.end(), [](char16_t c) { return c < 0x7F; });
+  return is_ascii && std::none_of(text.begin(), text.end(), [](char16_t c) {
+           return c <= u' ' || StringView(u"<>()[]\\,;:\"").find(c) != StringView::npos;
+         });
+}
+
+String WithoutQuotes(const String& name) {
+  const bool is_quoted = name.size() > 1 && name.starts_with(u'"') && name.ends_with(u'"');
+  return is_quoted ? name.substr(1, name.size() - 2) : name;
+}
+
+}  // namespace
+
+Recipient::Recipient(StringView text, RecipientType type)
+    : text_(Trim(text)), name_(text_), type_(type) {
+  if (IsAddress(text_)) {
+    address_ = text_;
+    return;
+  }
+  const size_t bracket = text_.rfind(u'<');
+  if (bracket == String::npos || !text_.ends_with(u'>')) return;
+  const String address = text_.substr(bracket + 1, text_.size() - bracket - 2);
+  if (!IsAddress(address)) return;
+  address_ = address;
+  const String name = WithoutQuotes(Trim(StringView(text_).substr(0, bracket)));
+  name_ = name.empty() ? address : name;
+}
+
+const MemberTable<Recipient>& Recipient::Members() {
+  static const MemberTable<Recipient> table =
+      MemberTable<Recipient>(u"Recipient")
+          .Property(u"Name", &Recipient::GetName)
+          .Property(u"", &Recipient::GetName)
+          .Property(u"Address", &Recipient::GetAddress)
+          .Property(u"Resolved", &Recipient::GetResolved)
+          .Property(u"Type", &Recipient::GetType, &Recipient::PutType)
+          .Method(u"Resolve", &Recipient::Resolve);
+  return table;
+}
+
+void Recipient::PutType(const Value& value) {
+  const int32_t type = value.ToLong();
+  if (type < 1 || type > 3) {
+    throw AutomationError(kInvalidProcedureCall,
+                          u"The type of a recipient is To (1), CC (2) or BCC (3)");
+  }
+  type_ = static_cast<RecipientType>(type);
+}
+
+const MemberTable<Recipients>& Recipients::Members() {
+  static const MemberTable<Recipients> table = MemberTable<Recipients>(u"Recipients")
+                                                   .Property(u"Count", &Recipients::GetCount)
+                                                   .Method(u"Item", &Recipients::Item, {u"Index"})
+                                                   .Method(u"", &Recipients::Item, {u"Index"})
+                                                   .Method(u"Add", &Recipients::Add, {u"Name"});
+  return table;
+}
+
+std::unique_ptr<Enumerator> Recipients::Enumerate() {
+  return std::make_unique<VectorEnumerator>(
+      std::vector<Value>(recipients_.begin(), recipients_.end()));
+}
+
+String Recipients::Joined(RecipientType type) const {
+  String joined;
+  for (const auto& recipient : recipients_) {
+    if (recipient->type() != type) continue;
+    joined += (joined.empty() ? u"" : u"; ") + recipient->text();
+  }
+  return joined;
+}
+
+void Recipients::Replace(RecipientType type, StringView text) {
+  std::erase_if(recipients_, [&](const auto& recipient) { return recipient->type() == type; });
+  AddEach(type, text);
+}
+
+Value Recipients::GetCount() { return static_cast<int64_t>(recipients_.size()); }
+
+Value Recipients::Item(const MethodArguments& arguments) {
+  const int32_t index = arguments.Require(0).ToLong();
+  if (index < 1 || static_cast<size_t>(index) > recipients_.size()) {
+    throw AutomationError(kSubscriptOutOfRange);
+  }
+  return Object(recipients_[static_cast<size_t>(index) - 1]);
+}
+
+// A list of addresses is as many recipients; the first is given back.
+Value Recipients::Add(const MethodArguments& arguments) {
+  const size_t first = recipients_.size();
+  AddEach(RecipientType::kTo, arguments.Require(0).ToText());
+  if (first == recipients_.size()) {
+    throw AutomationError(kInvalidProcedureCall, u"A recipient needs a name or an address");
+  }
+  return Object(recipients_[first]);
+}
+
+void Recipients::AddEach(RecipientType type, StringView text) {
+  for (const String& part : Split(text, u";")) {
+    if (!Trim(part).empty()) recipients_.push_back(std::make_shared<Recipient>(part, type));
+  }
+}
+
+}  // namespace kestrelon::desktop

@@ -1,0 +1,36 @@
+// The DOMDocument: a node, and what loads, saves and configures it.
+#pragma once
+
+#include "desktop/xml/NodeMembers.h"
+#include "desktop/xml/XmlParser.h"
+
+namespace kestrelon::desktop {
+
+class DocumentNode final : public NodeMembers, public ServerObject<DocumentNode> {
+ public:
+  // The document object of a tree.
+  explicit DocumentNode(XmlTreePointer tree);
+
+  static const MemberTable<DocumentNode>& Members();
+
+ private:
+  Value GetAsync() { return async_; }
+  void PutAsync(const Value& value) { async_ = value.ToBoolean(); }
+  Value GetPreserveWhiteSpace() { return options_.preserve_white_space; }
+  void PutPreserveWhiteSpace(const Value& value);
+  Value GetDocumentElement();
+  Value GetParseError();
+  Value LoadXml(const MethodArguments& arguments);
+  Value Load(const MethodArguments& arguments);
+  Value Save(const MethodArguments& arguments);
+  Value SetProperty(const MethodArguments& arguments);
+
+  // Takes the outcome of a parse; true when there is a document. After a failure it is empty.
+  bool Take(XmlParseResult result);
+
+  XmlParseError error_;
+  XmlParseOptions options_;
+  bool async_ = true;  // kept for callers that ask; loading always completes at once
+};
+
+}  // namespace kestrelon::desktop
