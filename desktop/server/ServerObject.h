@@ -102,9 +102,13 @@ class MemberTable {
   std::unordered_map<StringView, Member> members_;
 };
 
-template <class Server>
-class ServerObject : public DispatchObject, public std::enable_shared_from_this<Server> {
+// `Base` holds what several servers share: a class derived from DispatchObject, whose member
+// functions may stand in the tables of those servers.
+template <class Server, class Base = DispatchObject>
+class ServerObject : public Base, public std::enable_shared_from_this<Server> {
  public:
+  using Base::Base;
+
   Value Invoke(InvokeKind kind, StringView member, const Arguments& arguments) override {
     const auto& entry = Server::Members().Find(member);
     auto& server = static_cast<Server&>(*this);
