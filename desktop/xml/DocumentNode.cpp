@@ -39,7 +39,7 @@ class ParseError final : public ServerObject<ParseError> {
 
 }  // namespace
 
-DocumentNode::DocumentNode(XmlTreePointer tree) : NodeMembers(tree, tree->node()) {}
+DocumentNode::DocumentNode(XmlTreePointer tree) : ServerObject(tree, tree->node()) {}
 
 const MemberTable<DocumentNode>& DocumentNode::Members() {
   static const MemberTable<DocumentNode> table =

@@ -6,7 +6,7 @@
 
 namespace kestrelon::desktop {
 
-class DocumentNode final : public NodeMembers, public ServerObject<DocumentNode> {
+class DocumentNode final : public ServerObject<DocumentNode, NodeMembers> {
  public:
   // The document object of a tree.
   explicit DocumentNode(XmlTreePointer tree);

@@ -9,7 +9,7 @@ namespace kestrelon::desktop {
 // The object of a node of `tree`; Nothing for nullptr.
 Object WrapNode(const XmlTreePointer& tree, xmlNodePtr node);
 
-class NodeMembers {
+class NodeMembers : public DispatchObject {
  public:
   NodeMembers(XmlTreePointer tree, xmlNodePtr node) : tree_(std::move(tree)), node_(node) {}
 
@@ -65,9 +65,9 @@ class NodeMembers {
 };
 
 // A node of any type but a document. Members that only elements have are error 438 on the others.
-class XmlNode final : public NodeMembers, public ServerObject<XmlNode> {
+class XmlNode final : public ServerObject<XmlNode, NodeMembers> {
  public:
-  using NodeMembers::NodeMembers;
+  using ServerObject::ServerObject;
   static const MemberTable<XmlNode>& Members();
   String TypeName() const override;
 
