@@ -7,7 +7,7 @@
 
 #include "desktop/server/ServerObject.h"
 #include "desktop/xml/LibxmlText.h"
-#include "desktop/xml/XmlDocument.h"
+#include "desktop/xml/XmlDocuments.h"
 
 namespace kestrelon::desktop {
 namespace {

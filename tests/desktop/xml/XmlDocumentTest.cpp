@@ -4,7 +4,7 @@
 
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
-#include "desktop/xml/XmlDocument.h"
+#include "desktop/xml/XmlDocuments.h"
 
 namespace kestrelon::desktop {
 namespace {
