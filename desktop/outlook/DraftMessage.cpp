@@ -71,18 +71,28 @@ std::string BodyText(std::string_view text) {
   return body;
 }
 
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
+// A name without an address is an empty group: the one form that a header has for it. The library
+// does not fold it, so what is too long for a line of a message is cut.
+Owned<InternetAddress> NameAlone(const String& name) {
+  constexpr int64_t kLongestName = 160;
+  const std::string text = HeaderText(ToUtf8(Left(name, kLongestName)));
+  return Owned<InternetAddress>(internet_address_group_new(text.c_str()));
+}
+
 Owned<InternetAddress> AddressOf(const Recipient& recipient) {
-  const std::string name = HeaderText(ToUtf8(recipient.name()));
-  // A name without an address is an empty group: the one form that a header has for it.
-  if (recipient.address().empty()) {
-    Owned<InternetAddress> group(internet_address_group_new(name.c_str()));
-    internet_address_set_charset(group.get(), kUtf8);
-    return group;
-  }
+  if (recipient.address().empty()) return NameAlone(recipient.name());
   const bool has_name = recipient.name() != recipient.address();
+  const std::string name = has_name ? HeaderText(ToUtf8(recipient.name())) : "";
   Owned<InternetAddress> mailbox(internet_address_mailbox_new(has_name ? name.c_str() : nullptr,
                                                               ToUtf8(recipient.address()).c_str()));
-  internet_address_set_charset(mailbox.get(), kUtf8);
+  // A domain that no encoding brings into a header.
+  if (!IsAscii(internet_address_mailbox_get_idn_addr(INTERNET_ADDRESS_MAILBOX(mailbox.get())))) {
+    return NameAlone(recipient.text());
+  }
   return mailbox;
 }
 
@@ -93,8 +103,9 @@ void AddRecipients(GMimeMessage* message,
                                   : recipient->type() == RecipientType::kBcc
                                       ? GMIME_ADDRESS_TYPE_BCC
                                       : GMIME_ADDRESS_TYPE_TO;
-    internet_address_list_add(g_mime_message_get_addresses(message, type),
-                              AddressOf(*recipient).get());
+    const Owned<InternetAddress> address = AddressOf(*recipient);
+    internet_address_set_charset(address.get(), kUtf8);
+    internet_address_list_add(g_mime_message_get_addresses(message, type), address.get());
   }
 }
 

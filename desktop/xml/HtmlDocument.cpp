@@ -57,9 +57,7 @@ class HtmlPage final : public ServerObject<HtmlPage> {
 
  private:
   Value GetDocumentElement() {
-    const xmlNodePtr root = xmlDocGetRootElement(tree_.get());
-    if (root == nullptr) return Object();
-    return Object(std::make_shared<HtmlElement>(tree_, root));
+    return Object(std::make_shared<HtmlElement>(tree_, xmlDocGetRootElement(tree_.get())));
   }
 
   HtmlTree tree_;
@@ -98,6 +96,11 @@ Object ParseHtmlDocument(std::string_view bytes) {
     throw AutomationError(kInvalidProcedureCall, u"The page's elements nest deeper than 256");
   }
   if (!tree) throw AutomationError(kOutOfMemory);
+  if (xmlDocGetRootElement(tree.get()) == nullptr) {
+    const xmlNodePtr root =
+        xmlNewDocNode(tree.get(), nullptr, reinterpret_cast<const xmlChar*>("html"), nullptr);
+    xmlDocSetRootElement(tree.get(), root);
+  }
   return Object(std::make_shared<HtmlPage>(tree));
 }
 

@@ -91,13 +91,30 @@ void AddDeclaration(xmlDocPtr document) {
   xmlAddPrevSibling(document->children, declaration);
 }
 
+XmlParseResult Refused(xmlParserErrors code, String reason, int32_t position = 1) {
+  XmlParseResult result;
+  result.error = {code, std::move(reason), 1, position};
+  return result;
+}
+
+// In any other encoding a NUL byte is a NUL character, at which libxml2 would stop without a word.
+bool IsWide(std::string_view bytes) {
+  return bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE") ||
+         bytes.starts_with(std::string_view("<\0", 2)) ||
+         bytes.starts_with(std::string_view("\0", 1));
+}
+
 XmlParseResult Parse(std::string_view bytes, const char* encoding, int encoding_options,
                      XmlParseOptions options) {
-  XmlParseResult result;
   if (bytes.size() > kLargestInput) {
-    result.error = {XML_ERR_NO_MEMORY, u"The document is larger than 1 GiB", 1, 1};
-    return result;
+    return Refused(XML_ERR_NO_MEMORY, u"The document is larger than 1 GiB");
   }
+  const size_t null = IsWide(bytes) ? std::string_view::npos : bytes.find('\0');
+  if (null != std::string_view::npos) {
+    return Refused(XML_ERR_INVALID_CHAR, u"The text holds a NUL character",
+                   static_cast<int32_t>(null) + 1);
+  }
+  XmlParseResult result;
   const std::unique_ptr<xmlParserCtxt, FreeContext> context(xmlNewParserCtxt());
   if (!context) throw AutomationError(kOutOfMemory);
   context->_private = &result.error;
@@ -107,7 +124,7 @@ XmlParseResult Parse(std::string_view bytes, const char* encoding, int encoding_
       context.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, encoding,
       XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | encoding_options));
   if (!result.document && result.error.code == 0) {
-    result.error = {XML_ERR_DOCUMENT_EMPTY, u"The document is empty", 1, 1};
+    return Refused(XML_ERR_DOCUMENT_EMPTY, u"The document is empty");
   }
   if (result.error.code != 0) {
     result.document.reset();
@@ -126,13 +143,6 @@ XmlParseResult ParseXmlBytes(std::string_view bytes, XmlParseOptions options) {
 
 XmlParseResult ParseXmlText(StringView text, XmlParseOptions options) {
   if (text.starts_with(u'\xFEFF')) text.remove_prefix(1);
-  const size_t null = text.find(u'\0');
-  if (null != StringView::npos) {
-    XmlParseResult result;
-    result.error = {XML_ERR_INVALID_CHAR, u"The text holds a NUL character", 1,
-                    static_cast<int32_t>(null) + 1};
-    return result;
-  }
   return Parse(ToUtf8(text), "UTF-8", XML_PARSE_IGNORE_ENC, options);
 }
 

@@ -107,17 +107,21 @@ TEST_F(MailItemTest, KeepsEveryRecipientAndLetsNoneInjectAHeader) {
   EXPECT_EQ(joerg.Get(u"Name").ToText(), u"J\u00F6rg, M");
   EXPECT_TRUE(joerg.Get(u"Resolved").ToBoolean());
   recipients.CallChild(u"Add", u"boss@example.org").Put(u"Type", 2);
-  mail_.Put(u"BCC", u"a@b.c; ;d@e.f;");
+  mail_.Put(u"BCC", u"a@b.c; ;d@e.f;\u2603@x.y;a@-\u2603.;a@b@c;" + String(2000, u'\u20AC'));
   mail_.Put(u"Subject", u"Ren\u00E9\r\nX-Evil: 2\n\n" + String(200, u'\u20AC'));
   std::string euros;
   for (int i = 0; i < 200; ++i) euros += "\u20AC";
-  EXPECT_THAT(SaveAndRead(), HasSubstr("'Message-Id', 'Subject', 'To', 'X-Unsent']\nX-Unsent '1'\n"
-                                       "Subject 'Ren\u00E9  X-Evil: 2  " +
-                                       euros +
-                                       "'\n"
-                                       "To name 'ENTER THE E-MAIL ADDRESS, \"HERE\"  X-Evil: 1'\n"
-                                       "To 'J\u00F6rg, M' j@xn--mller-kva.example\n"
-                                       "Cc '' boss@example.org\nBcc '' a@b.c\nBcc '' d@e.f\n"));
+  EXPECT_THAT(
+      SaveAndRead(),
+      HasSubstr("'Message-Id', 'Subject', 'To', 'X-Unsent']\nX-Unsent '1'\n"
+                "Subject 'Ren\u00E9  X-Evil: 2  " +
+                euros +
+                "'\n"
+                "To name 'ENTER THE E-MAIL ADDRESS, \"HERE\"  X-Evil: 1'\n"
+                "To 'J\u00F6rg, M' j@xn--mller-kva.example\n"
+                "Cc '' boss@example.org\nBcc '' a@b.c\nBcc '' d@e.f\n"
+                "Bcc name '\u2603@x.y'\nBcc name 'a@-\u2603.'\nBcc name 'a@b@c'\nBcc name '" +
+                euros.substr(0, 60)));
 }
 
 TEST_F(MailItemTest, KeepsToAndTheRecipientsInStep) {
