@@ -1,0 +1,18 @@
+// How the package refuses a file: one number, one shape of text.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kestrelon::desktop::word {
+
+constexpr std::string_view kSaveAgain =
+    "Open it in the program that made it, save it again as .docx and try once more.";
+
+// Throws kCorruptDocument, "The document cannot be opened: REASON. REMEDY".
+[[noreturn]] void RefusePackage(const std::string& reason, std::string_view remedy = kSaveAgain);
+
+// A name from the file as it may be shown: in quotes, shortened, without control characters.
+std::string Quoted(std::string_view name);
+
+}  // namespace kestrelon::desktop::word

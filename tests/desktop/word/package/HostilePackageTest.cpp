@@ -1,0 +1,220 @@
+// Each way in which a file may be damaged or set against its reader, and what is said about it.
+#include <gmock/gmock.h>
+
+#include "automation/Text.h"
+#include "desktop/word/package/Package.h"
+#include "desktop/word/package/ZipFields.h"
+#include "desktop/word/package/ZipReader.h"
+#include "tests/desktop/word/package/ZipBuilder.h"
+
+namespace kestrelon::desktop::word {
+namespace {
+
+using testing::HasSubstr;
+
+// "" when the file opens and all of it can be read.
+std::string Complaint(const std::string& bytes) {
+  try {
+    const auto package = Package::Open(bytes);
+    for (const std::string& name : package->PartNames()) {
+      package->Content(name);
+      package->Relationships(name);
+    }
+    package->Relationships("");
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.number(), kCorruptDocument);
+    return ToUtf8(error.description());
+  }
+  return "";
+}
+
+// A pattern that deflates well but not to a thousandth.
+std::string Text(size_t size) {
+  std::string text = "<t>";
+  for (uint32_t i = 1; text.size() < size; i = i * 1103515245u + 12345u) {
+    text.append("blank ").append(1, static_cast<char>('a' + (i >> 16) % 26));
+  }
+  text.resize(size, ' ');
+  return text;
+}
+
+struct EntryCase {
+  const char* oddity;
+  TestEntry entry;
+  const char* says;
+};
+
+TEST(HostilePackage, RefusesAnEntryThatIsNotWhatItShouldBe) {
+  const std::string large = Text(200'000);
+  const EntryCase cases[] = {
+      {"encrypted", {.name = "x", .content = "y", .flags = kFlagEncrypted}, "is encrypted"},
+      {"unknown method", {.name = "x", .content = "y", .method = 14}, "method 14"},
+      {"on another disk", {.name = "x", .content = "y", .disk = 1}, "split archive"},
+      {"zip64", {.name = "x", .content = "y", .size = 0xFFFFFFFF}, "zip64"},
+      {"double", {.name = "word/document.xml", .content = "y"}, "there twice"},
+      {"double but for case", {.name = "WORD/Document.XML", .content = "y"}, "there twice"},
+      {"double but for escapes", {.name = "word/d%6Fcument.xml", .content = ""}, "there twice"},
+      {"absolute name", {.name = "/etc/passwd", .content = "y"}, "absolute"},
+      {"parent folder", {.name = "word/../../x", .content = "y"}, "leads outside"},
+      {"parent folder in disguise", {.name = "word/%2E%2e/x", .content = "y"}, "leads outside"},
+      {"backslash", {.name = "word\\x", .content = "y"}, "backslash"},
+      {"drive", {.name = "C:/x", .content = "y"}, "drive"},
+      {"control character", {.name = std::string("a\0b", 3), .content = "y"}, "\"a?b\""},
+      {"nameless", {.name = "", .content = "y"}, "empty name"},
+      {"other local name", {.name = "x", .content = "y", .local_name = "z"}, "two different ways"},
+      {"other local size", {.name = "x", .content = "y", .local_size = 2}, "two different ways"},
+      {"wrong checksum", {.name = "x", .content = "y", .crc = 1}, "checksum"},
+      {"wrong checksum, stored",
+       {.name = "x", .content = "y", .deflate = false, .crc = 1},
+       "checksum"},
+      {"stored in two sizes",
+       {.name = "x", .content = "y", .deflate = false, .size = 2},
+       "two different sizes"},
+      {"no deflate data",
+       {.name = "x", .content = "\xFF\xFF\xFF", .deflate = false, .method = 8},
+       "does not inflate"},
+      {"less than it says", {.name = "x", .content = "y", .size = 2}, "does not inflate"},
+      {"rubbish behind its data",
+       {.name = "x",
+        .content = Deflated("y") + "z",
+        .deflate = false,
+        .crc = 0xFBDB2615,
+        .size = 1,
+        .method = 8},
+       "does not inflate"},
+      {"overlapping",
+       {.name = "x", .content = "y", .local_name = "_rels/.rels", .offset = 0},
+       "two different ways"},
+      {"beyond the file",
+       {.name = "x", .content = "y", .compressed_size = 0x7FFFFFFF},
+       "longer than the file"},
+      {"beyond the limit", {.name = "x", .content = "y", .size = (256u << 20) + 1}, "256 MiB"},
+      {"bomb", {.name = "x", .content = std::string(200'000, 'a')}, "100 times"},
+      {"bomb that hides its size",
+       {.name = "x", .content = std::string(9'000'000, 'a'), .size = 9},
+       "more than it says"},
+      {"large and hides its size",
+       {.name = "x", .content = Text(9'000'000), .size = 5'000'000},
+       "more than it says"},
+      {"large and ends early", {.name = "x", .content = large, .size = 5'000'000}, "100 times"},
+      {"large and ends a little early",
+       {.name = "x", .content = Text(5'000'000), .size = 5'000'001},
+       "does not inflate"},
+      {"large with a wrong checksum",
+       {.name = "x", .content = Text(5'000'000), .crc = 1},
+       "checksum"},
+      {"DOCTYPE",
+       {.name = "x.xml", .content = "<?xml version='1.0'?><!-- --><!DOCTYPE t><t/>"},
+       "DOCTYPE"},
+      {"DOCTYPE in UTF-16",
+       {.name = "x.xml", .content = std::string("\xFF\xFE<\0!\0D\0O\0C\0T\0", 14)},
+       "DOCTYPE"},
+      {"DOCTYPE far behind",
+       {.name = "x.xml", .content = std::string(70'000, '\n') + "<!DOCTYPE"},
+       "begin with an element"},
+  };
+  for (const EntryCase& test : cases) {
+    SCOPED_TRACE(test.oddity);
+    std::vector<TestEntry> entries = MinimalEntries();
+    entries.push_back(test.entry);
+    EXPECT_THAT(Complaint(BuildZip(entries)), HasSubstr(test.says));
+  }
+}
+
+TEST(HostilePackage, RefusesAnArchiveThatIsNoneOrNoSoundOne) {
+  const std::vector<TestEntry> sound = MinimalEntries();
+  const std::string zip = BuildZip(sound);
+  std::vector<TestEntry> many = sound;
+  while (many.size() <= kMostEntries) many.push_back({"p" + std::to_string(many.size()), ""});
+  std::vector<TestEntry> quine = sound;
+  quine[2].offset = 0;
+  quine[2].local_name = quine[0].name;
+  const std::string compound = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(100, '\0');
+  const std::string stream("E\0n\0c\0r\0y\0p\0t\0e\0d\0P\0a\0c\0k\0a\0g\0e\0", 32);
+  const struct {
+    const char* oddity;
+    std::string bytes;
+    const char* says;
+  } cases[] = {
+      {"empty", "", "does not begin as a zip"},
+      {"text", "Dear <firstname>, this is no package at all.", "does not begin as a zip"},
+      {"Word 97-2003", compound, "Word 97-2003"},
+      {"password", compound + stream, "password"},
+      {"cut short", zip.substr(0, zip.size() - 1), "cut short"},
+      {"something appended", zip + "x", "cut short"},
+      {"something in front", "x" + zip, "does not begin as a zip"},
+      {"split", BuildZip(sound, {.disk = 1}), "split over several"},
+      {"too few counted", BuildZip(sound, {.count_off = -1}), "more than it counts"},
+      {"too many counted", BuildZip(sound, {.count_off = 1}), "incomplete"},
+      {"1,001 entries", BuildZip(many), "1001 entries"},
+      {"one entry for two names", BuildZip(quine), "two different ways"},
+      {"no content types", BuildZip({sound[1], sound[2]}), "no list of content types"},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.oddity);
+    EXPECT_THAT(Complaint(test.bytes), HasSubstr(test.says));
+  }
+}
+
+TEST(HostilePackage, RefusesOverlappingEntries) {
+  // A second local header hidden in the stored data of the first.
+  std::vector<TestEntry> entries = MinimalEntries();
+  const std::string inner = BuildZip({{"inner", "content"}});
+  entries.insert(entries.begin(), {.name = "outer", .content = inner, .deflate = false});
+  entries.push_back({.name = "inner", .content = "content", .offset = 30 + 5});
+  EXPECT_THAT(Complaint(BuildZip(entries)), HasSubstr("overlaps \"outer\""));
+}
+
+TEST(HostilePackage, RefusesXmlThatIsNotPlainAndSound) {
+  const std::string types = MinimalEntries()[0].content;
+  const std::string open =
+      "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
+  std::string deep = open;
+  for (int i = 0; i < 300; ++i) deep += "<a>";
+  const struct {
+    const char* oddity;
+    int entry;
+    std::string content;
+    const char* says;
+  } cases[] = {
+      {"empty types", 0, "", "empty"},
+      {"types cut short", 0, types.substr(0, 300), "damaged at line"},
+      {"types of another root", 0, "<Types/>", "does not hold \"Types\""},
+      {"types with entities", 0, "<!DOCTYPE Types [<!ENTITY a \"b\">]><Types/>", "DOCTYPE"},
+      {"types in another encoding", 0, "<?xml version='1.0' encoding='latin1'?>" + types.substr(39),
+       "UTF-8"},
+      {"types in UTF-16", 0, std::string("\xFF\xFE<\0T\0/\0>\0", 10), "UTF-8"},
+      {"undeclared entity", 1,
+       open + "<Relationship Id='a' Type='b' Target='&c;'/></Relationships>", "damaged"},
+      {"no target", 1, open + "<Relationship Id='a' Type='b'/></Relationships>", "no \"Target\""},
+      {"strange element", 1, open + "<Bond Id='a'/></Relationships>", "does not belong"},
+      {"deep", 1, deep, "256 levels"},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.oddity);
+    std::vector<TestEntry> entries = MinimalEntries();
+    entries[static_cast<size_t>(test.entry)].content = test.content;
+    EXPECT_THAT(Complaint(BuildZip(entries)), HasSubstr(test.says));
+  }
+}
+
+TEST(HostilePackage, AcceptsWhatIsOddButSound) {
+  const TestEntry cases[] = {
+      {.name = "streamed", .content = "y", .descriptor = true},
+      {.name = "padded", .content = "y", .local_extra = std::string(20, '\0')},
+      {.name = "folder/", .content = "", .deflate = false},
+      {.name = "zip64 beside", .content = "y", .local_size = 0xFFFFFFFF},
+      {.name = "Übersicht", .content = "y", .flags = kFlagUtf8},
+      {.name = "small bomb", .content = std::string(100 << 10, 'a')},
+      {.name = "large", .content = Text(5'000'000)},
+      {.name = "picture.svg", .content = "<!DOCTYPE svg><svg/>"},
+  };
+  for (const TestEntry& entry : cases) {
+    std::vector<TestEntry> entries = MinimalEntries();
+    entries.push_back(entry);
+    EXPECT_EQ(Complaint(BuildZip(entries, {.comment = "PK\5\6 comment"})), "") << entry.name;
+  }
+}
+
+}  // namespace
+}  // namespace kestrelon::desktop::word
