@@ -1,0 +1,179 @@
+#include <gtest/gtest.h>
+
+#include "tests/desktop/word/objects/WordWorld.h"
+
+namespace kestrelon::desktop::word {
+namespace {
+
+constexpr int32_t kContinue = 1;
+constexpr int32_t kAll = 2;
+
+// What a letter does with each of its tags.
+void ReplaceInBody(const Object& word, const Object& document, StringView tag, StringView value) {
+  document.Call(u"Select");
+  while (true) {
+    const Object selection = word.GetChild(u"Selection");
+    const Object find = selection.GetChild(u"Find");
+    find.Put(u"MatchCase", false);
+    find.Put(u"forward", true);
+    find.Put(u"wrap", kContinue);
+    find.Put(u"text", tag);
+    find.Call(u"Execute");
+    if (!find.Get(u"Found").ToBoolean()) return;
+    if (!value.empty()) {
+      selection.Call(u"TypeText", value);
+    } else {
+      const Object range =
+          document.CallChild(u"Range", Named(u"Start", selection.GetChild(u"Range").Get(u"Start")),
+                             Named(u"End", selection.GetChild(u"Range").Get(u"End")));
+      if (range.Call(u"Information", 12).ToBoolean()) {
+        range.Call(u"moveStart", 1, -1);
+        if (ErrorOf([&] { range.Call(u"Delete"); }).number() == 5904) {
+          range.Call(u"moveStart", 1, 1);
+          range.Call(u"Delete");
+        }
+      } else {
+        range.Call(u"Delete", Named(u"count", 0));
+      }
+    }
+    document.Call(u"Select");
+  }
+}
+
+void ReplaceAllIn(const Object& range, StringView tag, StringView value) {
+  const Object find = range.GetChild(u"Find");
+  find.Call(u"ClearFormatting");
+  find.GetChild(u"Replacement").Call(u"ClearFormatting");
+  find.Put(u"Text", tag);
+  find.GetChild(u"Replacement").Put(u"Text", value);
+  find.Put(u"Wrap", kContinue);
+  find.Call(u"Execute", Named(u"Replace", kAll));
+}
+
+TEST(Letter, ReplacesTagsOfTheBodyBySelectionAndTyping) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"Dear &lt;na", "me", "&gt;, &lt;NAME&gt;!"}) +
+                                        Paragraph({"&lt;gone&gt;&lt;gone&gt;"}));
+  ReplaceInBody(world.word, letter, u"<name>", u"O'Neill^p & S\u00F6hne");
+  ReplaceInBody(world.word, letter, u"<gone>", u"");
+  ReplaceInBody(world.word, letter, u"<absent>", u"x");
+  EXPECT_EQ(TextOf(letter), u"Dear O'Neill^p & S\u00F6hne, O'Neill^p & S\u00F6hne!\r\r");
+}
+
+TEST(Letter, ABlankValueInACellTakesTheCharacterBeforeItWhereWordAllowsIt) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(TableOf({{"a-&lt;x&gt;b", "&lt;x&gt;"}}) + Paragraph({""}));
+  ReplaceInBody(world.word, letter, u"<x>", u"");
+  const Object table = letter.GetChild(u"Tables", 1);
+  EXPECT_EQ(table.CallChild(u"Cell", 1, 1).GetChild(u"Range").Get(u"Text").ToText(), u"ab\r\a");
+  EXPECT_EQ(table.CallChild(u"Cell", 1, 2).GetChild(u"Range").Get(u"Text").ToText(), u"\r\a");
+}
+
+TEST(Letter, ReplacesInEveryStoryAndItsTextBoxes) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"&lt;x&gt;"}),
+                                        Paragraph({"to &lt;X&gt;"}) + TextBox("box &lt;x&gt;"));
+  int stories = 0;
+  const auto walk = letter.GetChild(u"StoryRanges").Enumerate();
+  while (const auto first = walk->Next()) {
+    for (Object story = first->ToObject(); story; story = story.GetChild(u"NextStoryRange")) {
+      ReplaceAllIn(story, u"<x>", u"you");
+      if (story.Get(u"StoryType").ToLong() != 7) continue;
+      ++stories;
+      const Object shapes = story.GetChild(u"ShapeRange");
+      ASSERT_EQ(shapes.Get(u"Count").ToLong(), 1);
+      const Object frame = shapes.GetChild(u"Item", 1).GetChild(u"TextFrame");
+      EXPECT_TRUE(frame.Get(u"HasText").ToBoolean());
+      ReplaceAllIn(frame.GetChild(u"TextRange"), u"<x>", u"you");
+      EXPECT_EQ(frame.GetChild(u"TextRange").Get(u"Text").ToText(), u"box you\r");
+    }
+  }
+  EXPECT_EQ(stories, 1);
+  EXPECT_EQ(TextOf(letter), u"you\r");
+  const String header = letter.GetChild(u"StoryRanges", 7).Get(u"Text").ToText();
+  EXPECT_TRUE(header.starts_with(u"to you\r")) << ToUtf8(header);
+  EXPECT_EQ(ErrorOf([&] { letter.GetChild(u"StoryRanges", 6); }).number(), 5941);
+}
+
+struct FindCase {
+  const char* name;
+  int32_t start, end;  // where the search stands in "ab AB ab"
+  int32_t wrap;
+  bool match_case;
+  bool forward;
+  int32_t found_at;  // -1: nothing found, the range stays
+};
+
+TEST(Find, SearchesFromItsRangeAndWrapsOnlyWhenToldTo) {
+  const FindCase cases[] = {
+      {"whole text, from the start", 0, 9, 0, false, true, 0},
+      {"whole text, backward from its end", 0, 9, 0, false, false, 6},
+      {"exact case only", 1, 1, 0, true, true, 6},
+      {"behind the caret", 1, 1, 0, false, true, 3},
+      {"before the caret", 6, 6, 0, false, false, 3},
+      {"inside the range first", 2, 9, 1, false, true, 3},
+      {"not beyond the range", 1, 3, 0, false, true, -1},
+      {"beyond the range when it may continue", 1, 3, 1, false, true, 3},
+      {"on from a match", 0, 2, 0, false, true, 3},
+      {"back from a match", 6, 8, 0, false, false, 3},
+      {"no further than the end", 6, 8, 0, false, true, -1},
+      {"around from the last match", 6, 8, 1, false, true, 0},
+      {"around from the first match backward", 0, 2, 1, false, false, 6},
+  };
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"ab AB ab"}));
+  for (const FindCase& test : cases) {
+    SCOPED_TRACE(test.name);
+    const Object range = letter.CallChild(u"Range", test.start, test.end);
+    const Object find = range.GetChild(u"Find");
+    const bool found = find.Call(u"Execute", u"ab", test.match_case, Named(u"Wrap", test.wrap),
+                                 Named(u"forward", test.forward))
+                           .ToBoolean();
+    EXPECT_EQ(found, test.found_at >= 0);
+    EXPECT_EQ(find.Get(u"Found").ToBoolean(), found);
+    EXPECT_EQ(range.Get(u"Start").ToLong(), found ? test.found_at : test.start);
+    EXPECT_EQ(range.Get(u"End").ToLong(), found ? test.found_at + 2 : test.end);
+  }
+}
+
+TEST(Find, ReplacesOneOrAllWithinItsRange) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"ab ab ab"}));
+  const Object part = letter.CallChild(u"Range", 3, 8);
+  EXPECT_TRUE(part.GetChild(u"Find")
+                  .Call(u"Execute", u"ab", Named(u"ReplaceWith", u"<^&>"), Named(u"Replace", kAll))
+                  .ToBoolean());
+  EXPECT_EQ(TextOf(letter), u"ab <ab> <ab>\r");
+  const Object content = letter.GetChild(u"Content");
+  EXPECT_TRUE(content.GetChild(u"Find")
+                  .Call(u"Execute", u"AB", Named(u"ReplaceWith", u"^^^t^z"), Named(u"Replace", 1))
+                  .ToBoolean());
+  EXPECT_EQ(TextOf(letter), u"^\t^z <ab> <ab>\r");
+  EXPECT_EQ(content.Get(u"Text").ToText(), u"^\t^z");
+}
+
+TEST(Find, RefusesWhatItCannotSearchFor) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"text"}));
+  const Object find = letter.GetChild(u"Content").GetChild(u"Find");
+  const String longest(255, u'x');
+  find.Put(u"Text", longest);
+  EXPECT_FALSE(find.Call(u"Execute").ToBoolean());
+  const struct {
+    std::function<void()> action;
+    int32_t number;
+  } cases[] = {
+      {[&] { find.Put(u"Text", longest + u"x"); }, 5854},
+      {[&] { find.GetChild(u"Replacement").Put(u"Text", longest + u"x"); }, 5854},
+      {[&] { find.Call(u"Execute", u"t", Named(u"MatchWildcards", true)); }, 4120},
+      {[&] { find.Call(u"Execute", u"t", Named(u"Replace", 3)); }, 4120},
+      {[&] { find.Put(u"Wrap", 7); }, 4120},
+      {[&] { find.Call(u"Execute", Named(u"Pattern", u"t")); }, kNamedArgumentNotFound},
+      {[&] { find.Get(u"Style"); }, kMemberNotFound},
+  };
+  for (const auto& test : cases) EXPECT_EQ(ErrorOf(test.action).number(), test.number);
+  EXPECT_EQ(find.Get(u"Text").ToText(), u"t");
+}
+
+}  // namespace
+}  // namespace kestrelon::desktop::word

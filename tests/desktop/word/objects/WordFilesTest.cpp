@@ -1,0 +1,198 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "desktop/opener/Opener.h"
+#include "tests/desktop/opener/RecordingOpener.h"
+#include "tests/desktop/word/objects/WordWorld.h"
+
+namespace kestrelon::desktop::word {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(SaveAs, WritesADocumentUnderEveryNameThatIsNotOfAnotherFormat) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"text"}));
+  const struct {
+    const char* name;
+    const char* written;
+  } cases[] = {{"a.docx", "a.docx"},         {"b.DOTX", "b.DOTX"}, {"plain", "plain.docx"},
+               {"Letter.PDF", "Letter.PDF"}, {"v1.2", "v1.2"},     {"x.pdf ", "x.pdf "}};
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    letter.Call(u"SaveAs", world.Path(test.name));
+    EXPECT_TRUE(world.Read(test.written).starts_with("PK"));
+    EXPECT_EQ(letter.Get(u"FullName").ToText(), world.Path(test.written));
+    EXPECT_EQ(world.TextOfFile(test.written), u"text\r");
+  }
+  letter.Call(u"SaveAs", Named(u"FileFormat", 16), Named(u"FileName", world.Path("named")));
+  EXPECT_TRUE(world.Exists("named.docx"));
+}
+
+TEST(SaveAs, TakesBothSeparatorsAndReplacesTheFileInOneStep) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"text"}));
+  world.Write("old.docx", "old");
+  letter.Call(u"SaveAs", ReplaceAll(world.Path("old.docx"), u"/", u"\\"));
+  EXPECT_EQ(world.TextOfFile("old.docx"), u"text\r");
+}
+
+TEST(SaveAs, SaysWhatIsWrongAndLeavesTheDocumentAsItWas) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"text"}));
+  letter.GetChild(u"Content").Put(u"Text", u"changed");
+  const struct {
+    std::function<void()> action;
+    int32_t number;
+    const char16_t* says;
+  } cases[] = {
+      {[&] { letter.Call(u"SaveAs", world.Path("none/a.docx")); }, kPathNotFound, u"none/a.docx"},
+      {[&] { letter.Call(u"SaveAs", world.Path("a.rtf")); }, 4198, u".rtf files"},
+      {[&] { letter.Call(u"SaveAs", world.Path("a.docx"), 99); }, 4120, u"FileFormat 99"},
+      {[&] { letter.Call(u"SaveAs", u""); }, 4120, u"empty"},
+      {[&] { letter.Call(u"SaveAs", world.Path("a.docx"), Named(u"Password", u"x")); }, 4120,
+       u"password"},
+      {[&] { letter.Call(u"ExportAsFixedFormat", world.Path("a.xps"), 18); }, 4120, u"17 (PDF)"},
+      {[&] { letter.Call(u"Save"); }, 4198, u"Document1 was never saved"},
+      {[&] { letter.Call(u"Close", -1); }, 4198, u"never saved"},
+      {[&] { world.word.Call(u"Quit", -1); }, 4198, u"never saved"},
+  };
+  for (const auto& test : cases) {
+    const AutomationError error = ErrorOf(test.action);
+    EXPECT_EQ(error.number(), test.number);
+    EXPECT_NE(error.description().find(test.says), String::npos) << error.what();
+  }
+  EXPECT_EQ(letter.Get(u"FullName").ToText(), u"Document1");
+  EXPECT_FALSE(letter.Get(u"Saved").ToBoolean());
+}
+
+TEST(Close, SavesChangesOnlyWhenToldTo) {
+  const WordWorld world;
+  for (const int32_t save : {0, -1}) {
+    const Object documents = world.word.GetChild(u"Documents");
+    const String path = world.Write("letter.docx", DocumentOf(Paragraph({"old"})));
+    const Object letter = documents.CallChild(u"Open", path);
+    EXPECT_EQ(documents.CallChild(u"Open", path).Get(u"Path").ToText(),
+              TextFromPath(PathFromText(path).parent_path()));
+    EXPECT_EQ(documents.Get(u"Count").ToLong(), 1) << "a file is open once";
+    EXPECT_TRUE(letter.Get(u"Saved").ToBoolean());
+    letter.CallChild(u"Range", 0, 3).Put(u"Text", u"new");
+    EXPECT_FALSE(letter.Get(u"Saved").ToBoolean());
+    letter.Call(u"Close", save);
+    EXPECT_EQ(world.TextOfFile("letter.docx"), save == 0 ? u"old\r" : u"new\r");
+  }
+}
+
+TEST(Open, RefusesWhatItCannotReadNamingTheFile) {
+  const WordWorld world;
+  const Object documents = world.word.GetChild(u"Documents");
+  String encrypted = u"EncryptedPackage";
+  const std::string compound =
+      "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" +
+      std::string(reinterpret_cast<const char*>(encrypted.data()), encrypted.size() * 2);
+  const struct {
+    const char16_t* method;
+    String path;
+    int32_t number;
+  } cases[] = {
+      {u"Add", world.Path("missing.dotx"), 5151},
+      {u"Add", world.Path("no folder/missing.dotx"), 5151},
+      {u"Open", world.Path("missing.docx"), 5174},
+      {u"Open", world.Write("damaged.docx", "PK\x03\x04 and no more"), 5792},
+      {u"Open", world.Write("picture.png", "\x89PNG"), 5792},
+      {u"Add", world.Write("secret.docx", compound), 5408},
+  };
+  for (const auto& test : cases) {
+    const AutomationError error = ErrorOf([&] { documents.Call(test.method, test.path); });
+    EXPECT_EQ(error.number(), test.number) << error.what();
+    EXPECT_NE(error.description().find(test.path), String::npos) << error.what();
+  }
+  EXPECT_EQ(documents.Get(u"Count").ToLong(), 0);
+  EXPECT_EQ(ErrorOf([&] { world.word.GetChild(u"ActiveDocument"); }).number(), 4248);
+}
+
+TEST(Open, GoesByTheContentBeforeTheExtension) {
+  const WordWorld world;
+  world.Write("really a package.doc", DocumentOf(Paragraph({"text"})));
+  EXPECT_EQ(world.TextOfFile("really a package.doc"), u"text\r");
+}
+
+TEST(Converted, FormatsAreReadAndWrittenThroughTheConverter) {
+  const WordWorld world;
+  const String path = world.Write("template.docx", "{\\rtf1\\ansi Dear <name>\\par}");
+  const Object letter = world.word.GetChild(u"Documents").CallChild(u"Add", path);
+  EXPECT_TRUE(
+      letter.GetChild(u"Content")
+          .GetChild(u"Find")
+          .Call(u"Execute", u"<name>", Named(u"ReplaceWith", u"S\u00F6hne"), Named(u"Replace", 2))
+          .ToBoolean());
+  letter.Call(u"SaveAs", Named(u"FileName", world.Path("a.tmp")), Named(u"FileFormat", 8));
+  EXPECT_NE(world.Read("a.tmp").find("Dear S"), std::string::npos);
+  letter.Call(u"SaveAs", world.Path("Attachment.Doc"));
+  EXPECT_TRUE(world.Read("Attachment.Doc").starts_with("\xD0\xCF\x11\xE0"));
+  letter.Call(u"ExportAsFixedFormat", Named(u"OutputFileName", world.Path("a.pdf")),
+              Named(u"ExportFormat", 17));
+  EXPECT_TRUE(world.Read("a.pdf").starts_with("%PDF"));
+  EXPECT_EQ(letter.Get(u"Name").ToText(), u"Attachment.Doc");
+}
+
+// What Visible does with the documents, as the opener tells it.
+class Visible : public ::testing::Test {
+ protected:
+  size_t PrivateFolders() const {
+    return static_cast<size_t>(std::distance(fs::directory_iterator(temporary_.path()), {}));
+  }
+  // Nothing was opened since the last Next().
+  void ExpectNothingMore() const {
+    OpenForUser("/the next");
+    EXPECT_EQ(opener_.Next(), "/the next");
+  }
+
+  const WordWorld world_;
+  const RecordingOpener opener_;
+  PrivateFolder temporary_{"kestrelon-visible-test-"};
+  ChangedEnvironment variable_{"TMPDIR", temporary_.path().string()};
+};
+
+TEST_F(Visible, HandsThePrivateCopyOfAnUnsavedDocumentToTheUserOncePerState) {
+  Object letter = world_.NewLetter(Paragraph({"text"}));
+  world_.word.Put(u"Visible", true);
+  const fs::path copy = opener_.Next();
+  EXPECT_EQ(copy.filename(), "Document1.docx");
+  struct stat status {};
+  ASSERT_EQ(stat(copy.parent_path().c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0700U);
+  world_.word.Put(u"Visible", true);
+  ExpectNothingMore();
+  letter.GetChild(u"Content").Put(u"Text", u"changed");
+  world_.word.Put(u"Visible", true);
+  EXPECT_NE(opener_.Next(), copy);
+  EXPECT_TRUE(world_.word.Get(u"Visible").ToBoolean());
+  letter.Release();
+  world_.word.Call(u"Quit");
+  EXPECT_TRUE(fs::exists(copy)) << "the copy is the user's";
+}
+
+TEST_F(Visible, HandsTheSavedFileOverWhileItHoldsTheDocument) {
+  const Object letter = world_.NewLetter(Paragraph({"text"}));
+  letter.Call(u"SaveAs", world_.Path("letter.docx"));
+  world_.word.Put(u"Visible", true);
+  EXPECT_EQ(opener_.Next(), ToUtf8(world_.Path("letter.docx")));
+  EXPECT_EQ(PrivateFolders(), 0U);
+  letter.GetChild(u"Content").Put(u"Text", u"changed");
+  world_.word.Put(u"Visible", false);
+  world_.word.Put(u"Visible", true);
+  EXPECT_EQ(fs::path(opener_.Next()).parent_path().parent_path(), temporary_.path());
+}
+
+TEST_F(Visible, OpensNothingWithoutAnOpener) {
+  const ChangedEnvironment none("KESTRELON_OPENER", "");
+  const ChangedEnvironment no_display("DISPLAY", "");
+  const ChangedEnvironment no_wayland("WAYLAND_DISPLAY", "");
+  const Object letter = world_.NewLetter(Paragraph({"text"}));
+  world_.word.Put(u"Visible", true);
+  EXPECT_EQ(PrivateFolders(), 0U);
+}
+
+}  // namespace
+}  // namespace kestrelon::desktop::word
