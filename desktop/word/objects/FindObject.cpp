@@ -44,45 +44,6 @@ String CheckedText(const Value& value) {
   return text;
 }
 
-// What stands for a "^" code in replacement text; "" for a code that is not known.
-String ExpandCode(char16_t code, const String& match) {
-  switch (code) {
-    case u'p':
-    case u'l':
-      return u"\v";
-    case u't':
-      return u"\t";
-    case u's':
-      return u"\u00A0";
-    case u'^':
-      return u"^";
-    case u'&':
-      return match;
-    case u'+':
-      return u"\u2014";
-    case u'=':
-      return u"\u2013";
-    default:
-      return {};
-  }
-}
-
-// Replacement text as it is put in for `match`.
-String ExpandReplacement(const String& replacement, const String& match) {
-  String text;
-  for (size_t i = 0; i < replacement.size(); ++i) {
-    const bool is_code = replacement[i] == u'^' && i + 1 < replacement.size();
-    const String expanded = is_code ? ExpandCode(replacement[i + 1], match) : String();
-    if (expanded.empty()) {
-      text += replacement[i];
-    } else {
-      text += expanded;
-      ++i;
-    }
-  }
-  return text;
-}
-
 int32_t CheckedWrap(const Value& value) {
   const int32_t wrap = value.ToLong();
   if (wrap < kFindStop || wrap > kFindAsk) throw BadParameter(u"Wrap is 0, 1 or 2.");
@@ -208,7 +169,7 @@ bool FindObject::ReplaceNext() {
   const std::optional<Span> match = FindNext();
   if (!match) return false;
   place_->MoveTo(ReplaceMatch(*match));
-  document().NoteEdit();
+  document().NoteSpanEdit();
   return true;
 }
 
@@ -222,7 +183,7 @@ bool FindObject::ReplaceEvery() {
   const bool replaced = settings().wrap == kFindContinue || scope == whole
                             ? story.ReplaceAll(Pattern(), settings().replacement) != 0
                             : ReplaceWithin(scope);
-  if (replaced) document().NoteEdit();
+  if (replaced) document().NoteSpanEdit();
   return replaced;
 }
 

@@ -58,9 +58,14 @@ fs::path OpenDocument::WritePrivateCopy() {
 void OpenDocument::ShowToUser() {
   if (shown_edits_ == edits_ && shown_path_ == path()) return;
   const fs::path file = !path().empty() && IsSaved() ? path() : WritePrivateCopy();
-  OpenForUser(file.string());
   shown_edits_ = edits_;
   shown_path_ = path();
+  if (OpenForUser(file.string()) == OpenOutcome::kCannotStart) {
+    throw AutomationError(kCommandFailed,
+                          u"Command failed: the program that shows documents cannot be started; "
+                          u"check KESTRELON_OPENER. The document is in " +
+                              TextFromPath(file) + u".");
+  }
 }
 
 void Session::Add(std::shared_ptr<OpenDocument> document) {

@@ -29,8 +29,14 @@ class OpenDocument {
   OpenDocument(std::unique_ptr<Document> engine, String name);
 
   Document& engine() { return *engine_; }
-  // After every change of the text.
+  // After every change of the text …
   void NoteEdit() { ++edits_; }
+  // … and after one of a span of positions, which may have taken tables with it.
+  void NoteSpanEdit() {
+    ++edits_;
+    ++span_edits_;
+  }
+  int64_t span_edits() const { return span_edits_; }
 
   TrackedSpan& selection() { return selection_; }
   FindSettings& selection_find() { return selection_find_; }
@@ -52,7 +58,8 @@ class OpenDocument {
   // Error 4198 when it was never saved, or in a format that is not written here.
   void Save();
   // Hands it to the opener, once per state: its file, or a private copy, which stays for the user,
-  // where the file does not hold what the document does.
+  // where the file does not hold what the document does. Error 4198, which names that file, when
+  // the opener cannot be started.
   void ShowToUser();
 
  private:
@@ -65,6 +72,7 @@ class OpenDocument {
   std::filesystem::path path_;
   std::optional<FileFormat> format_;
   int64_t edits_ = 0;
+  int64_t span_edits_ = 0;
   int64_t saved_edits_ = 0;
   int64_t shown_edits_ = -1;
   std::filesystem::path shown_path_;

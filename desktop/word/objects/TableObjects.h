@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "desktop/word/objects/TableLink.h"
 #include "desktop/word/objects/WordObject.h"
 
 namespace kestrelon::desktop::word {
@@ -28,8 +29,7 @@ class TablesObject final : public WordCollection<TablesObject> {
 
 class TableObject final : public WordObject<TableObject> {
  public:
-  TableObject(Owner owner, Story& story, Table& table)
-      : WordObject(std::move(owner)), story_(story), table_(table) {}
+  TableObject(Owner owner, TableLink table) : WordObject(std::move(owner)), table_(table) {}
   static const MemberTable<TableObject>& Members();
 
   Value GetRows();
@@ -38,21 +38,20 @@ class TableObject final : public WordObject<TableObject> {
   Value GetCell(const MethodArguments& arguments);
 
  private:
-  Story& story_;
-  Table& table_;
+  TableLink table_;
 };
 
 class RowsObject final : public WordObject<RowsObject> {
  public:
-  RowsObject(Owner owner, Table& table) : WordObject(std::move(owner)), table_(table) {}
+  RowsObject(Owner owner, TableLink table) : WordObject(std::move(owner)), table_(table) {}
   static const MemberTable<RowsObject>& Members();
 
-  Value GetCount() { return table_.RowCount(); }
+  Value GetCount() { return table_.Require(document()).RowCount(); }
   // A row like the last one, below it.
   Value Add(const MethodArguments&);
 
  private:
-  Table& table_;
+  TableLink table_;
 };
 
 class RowObject final : public WordObject<RowObject> {
@@ -68,24 +67,24 @@ class RowObject final : public WordObject<RowObject> {
 
 class ColumnsObject final : public WordObject<ColumnsObject> {
  public:
-  ColumnsObject(Owner owner, Table& table) : WordObject(std::move(owner)), table_(table) {}
+  ColumnsObject(Owner owner, TableLink table) : WordObject(std::move(owner)), table_(table) {}
   static const MemberTable<ColumnsObject>& Members();
 
-  Value GetCount() { return table_.ColumnCount(); }
+  Value GetCount() { return table_.Require(document()).ColumnCount(); }
 
  private:
-  Table& table_;
+  TableLink table_;
 };
 
 class CellObject final : public WordObject<CellObject> {
  public:
-  CellObject(Owner owner, Cell& cell) : WordObject(std::move(owner)), cell_(cell) {}
+  CellObject(Owner owner, CellLink cell) : WordObject(std::move(owner)), cell_(cell) {}
   static const MemberTable<CellObject>& Members();
 
   Value GetRange();
 
  private:
-  Cell& cell_;
+  CellLink cell_;
 };
 
 }  // namespace kestrelon::desktop::word

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "desktop/word/objects/TableLink.h"
 #include "desktop/word/objects/TextObject.h"
 
 namespace kestrelon::desktop::word {
@@ -13,7 +14,7 @@ class RangeObject final : public TextObject<RangeObject> {
       : TextObject(std::move(owner)), tracked_(std::in_place, story, span) {}
   // The content of a cell. Its text is read and written without its position, which in a long table
   // would cost a walk; the position is found when it is first asked for.
-  RangeObject(Owner owner, Cell& cell) : TextObject(std::move(owner)), cell_(&cell) {}
+  RangeObject(Owner owner, CellLink cell) : TextObject(std::move(owner)), cell_(std::move(cell)) {}
 
   static const MemberTable<RangeObject>& Members();
 
@@ -31,7 +32,7 @@ class RangeObject final : public TextObject<RangeObject> {
  private:
   TrackedSpan& tracked();
 
-  Cell* cell_ = nullptr;
+  std::optional<CellLink> cell_;
   std::optional<TrackedSpan> tracked_;
   FindSettings find_;
 };

@@ -92,6 +92,19 @@ TEST(Table, IsFilledRowByRow) {
   EXPECT_EQ(world.TextOfFile("list.docx"), TextOf(letter));
 }
 
+TEST(Table, IsGoneWithTheTextThatHeldIt) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Paragraph({"a"}) + TableOf({{"x"}}) + Paragraph({"b"}));
+  const Object table = letter.GetChild(u"Tables", 1);
+  const Object cell = table.CallChild(u"Cell", 1, 1).GetChild(u"Range");
+  letter.CallChild(u"Range", 0, 1).Put(u"Text", u"longer");
+  EXPECT_EQ(cell.Get(u"Text").ToText(), u"x\r\a");
+  letter.GetChild(u"Content").Call(u"Delete");
+  EXPECT_EQ(TextOf(letter), u"\r");
+  EXPECT_EQ(ErrorOf([&] { table.GetChild(u"Rows").Get(u"Count"); }).number(), 5825);
+  EXPECT_EQ(ErrorOf([&] { cell.Put(u"Text", u"y"); }).number(), 5825);
+}
+
 TEST(Word, RefusesEverythingOnceItHasQuitOrTheDocumentIsClosed) {
   const WordWorld world;
   const Object first = world.NewLetter(Paragraph({"first"}));

@@ -194,5 +194,14 @@ TEST_F(Visible, OpensNothingWithoutAnOpener) {
   EXPECT_EQ(PrivateFolders(), 0U);
 }
 
+TEST_F(Visible, SaysWhereTheDocumentIsWhenTheOpenerCannotBeStarted) {
+  const ChangedEnvironment broken("KESTRELON_OPENER", "/nonexistent/viewer");
+  const Object letter = world_.NewLetter(Paragraph({"text"}));
+  const AutomationError error = ErrorOf([&] { world_.word.Put(u"Visible", true); });
+  EXPECT_EQ(error.number(), 4198);
+  EXPECT_NE(error.description().find(TextFromPath(temporary_.path())), String::npos);
+  EXPECT_EQ(PrivateFolders(), 1U);
+}
+
 }  // namespace
 }  // namespace kestrelon::desktop::word
