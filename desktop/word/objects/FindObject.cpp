@@ -169,7 +169,7 @@ bool FindObject::ReplaceNext() {
   const std::optional<Span> match = FindNext();
   if (!match) return false;
   place_->MoveTo(ReplaceMatch(*match));
-  document().NoteSpanEdit();
+  document().NoteEdit();
   return true;
 }
 
@@ -183,7 +183,7 @@ bool FindObject::ReplaceEvery() {
   const bool replaced = settings().wrap == kFindContinue || scope == whole
                             ? story.ReplaceAll(Pattern(), settings().replacement) != 0
                             : ReplaceWithin(scope);
-  if (replaced) document().NoteSpanEdit();
+  if (replaced) document().NoteEdit();
   return replaced;
 }
 

@@ -29,14 +29,8 @@ class OpenDocument {
   OpenDocument(std::unique_ptr<Document> engine, String name);
 
   Document& engine() { return *engine_; }
-  // After every change of the text …
+  // After every change of the text.
   void NoteEdit() { ++edits_; }
-  // … and after one of a span of positions, which may have taken tables with it.
-  void NoteSpanEdit() {
-    ++edits_;
-    ++span_edits_;
-  }
-  int64_t span_edits() const { return span_edits_; }
 
   TrackedSpan& selection() { return selection_; }
   FindSettings& selection_find() { return selection_find_; }
@@ -72,7 +66,6 @@ class OpenDocument {
   std::filesystem::path path_;
   std::optional<FileFormat> format_;
   int64_t edits_ = 0;
-  int64_t span_edits_ = 0;
   int64_t saved_edits_ = 0;
   int64_t shown_edits_ = -1;
   std::filesystem::path shown_path_;

@@ -4,16 +4,6 @@
 
 namespace kestrelon::desktop::word {
 
-Table& TableLink::Require(const OpenDocument& document) {
-  if (checked_at_ != document.span_edits()) {
-    int32_t index = story_->TableCount();
-    while (index > 0 && story_->TableAt(index) != table_) --index;
-    if (index == 0) throw ObjectDeleted();
-    checked_at_ = document.span_edits();
-  }
-  return *table_;
-}
-
 Value MakeTables(const Owner& owner, Story& story, Span span) {
   return MakeObject<TablesObject>(owner, story, span);
 }
@@ -39,8 +29,7 @@ std::vector<Table*> TablesObject::Tables() {
 }
 
 Value TablesObject::At(int32_t index) {
-  return MakeObject<TableObject>(
-      owner(), TableLink(document(), story_, *Tables()[static_cast<size_t>(index - 1)]));
+  return MakeObject<TableObject>(owner(), story_, *Tables()[static_cast<size_t>(index - 1)]);
 }
 
 const MemberTable<TableObject>& TableObject::Members() {
@@ -57,15 +46,12 @@ Value TableObject::GetRows() { return MakeObject<RowsObject>(owner(), table_); }
 
 Value TableObject::GetColumns() { return MakeObject<ColumnsObject>(owner(), table_); }
 
-Value TableObject::GetRange() {
-  return MakeRange(owner(), table_.story(), table_.Require(document()).span());
-}
+Value TableObject::GetRange() { return MakeRange(owner(), story_, table_.span()); }
 
 Value TableObject::GetCell(const MethodArguments& arguments) {
   const int32_t row = arguments.Require(0).ToLong();
   const int32_t column = arguments.Require(1).ToLong();
-  return MakeObject<CellObject>(owner(),
-                                CellLink(table_, *table_.Require(document()).CellAt(row, column)));
+  return MakeObject<CellObject>(owner(), *table_.CellAt(row, column));
 }
 
 const MemberTable<RowsObject>& RowsObject::Members() {
@@ -76,10 +62,9 @@ const MemberTable<RowsObject>& RowsObject::Members() {
 }
 
 Value RowsObject::Add(const MethodArguments&) {
-  Table& table = table_.Require(document());
-  table.AddRow();
+  table_.AddRow();
   document().NoteEdit();
-  return MakeObject<RowObject>(owner(), table.RowCount());
+  return MakeObject<RowObject>(owner(), table_.RowCount());
 }
 
 const MemberTable<RowObject>& RowObject::Members() {

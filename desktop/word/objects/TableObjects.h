@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "desktop/word/objects/TableLink.h"
 #include "desktop/word/objects/WordObject.h"
 
 namespace kestrelon::desktop::word {
@@ -29,7 +28,8 @@ class TablesObject final : public WordCollection<TablesObject> {
 
 class TableObject final : public WordObject<TableObject> {
  public:
-  TableObject(Owner owner, TableLink table) : WordObject(std::move(owner)), table_(table) {}
+  TableObject(Owner owner, Story& story, Table& table)
+      : WordObject(std::move(owner)), story_(story), table_(table) {}
   static const MemberTable<TableObject>& Members();
 
   Value GetRows();
@@ -38,20 +38,21 @@ class TableObject final : public WordObject<TableObject> {
   Value GetCell(const MethodArguments& arguments);
 
  private:
-  TableLink table_;
+  Story& story_;
+  Table& table_;
 };
 
 class RowsObject final : public WordObject<RowsObject> {
  public:
-  RowsObject(Owner owner, TableLink table) : WordObject(std::move(owner)), table_(table) {}
+  RowsObject(Owner owner, Table& table) : WordObject(std::move(owner)), table_(table) {}
   static const MemberTable<RowsObject>& Members();
 
-  Value GetCount() { return table_.Require(document()).RowCount(); }
+  Value GetCount() { return table_.RowCount(); }
   // A row like the last one, below it.
   Value Add(const MethodArguments&);
 
  private:
-  TableLink table_;
+  Table& table_;
 };
 
 class RowObject final : public WordObject<RowObject> {
@@ -67,24 +68,24 @@ class RowObject final : public WordObject<RowObject> {
 
 class ColumnsObject final : public WordObject<ColumnsObject> {
  public:
-  ColumnsObject(Owner owner, TableLink table) : WordObject(std::move(owner)), table_(table) {}
+  ColumnsObject(Owner owner, Table& table) : WordObject(std::move(owner)), table_(table) {}
   static const MemberTable<ColumnsObject>& Members();
 
-  Value GetCount() { return table_.Require(document()).ColumnCount(); }
+  Value GetCount() { return table_.ColumnCount(); }
 
  private:
-  TableLink table_;
+  Table& table_;
 };
 
 class CellObject final : public WordObject<CellObject> {
  public:
-  CellObject(Owner owner, CellLink cell) : WordObject(std::move(owner)), cell_(cell) {}
+  CellObject(Owner owner, Cell& cell) : WordObject(std::move(owner)), cell_(cell) {}
   static const MemberTable<CellObject>& Members();
 
   Value GetRange();
 
  private:
-  CellLink cell_;
+  Cell& cell_;
 };
 
 }  // namespace kestrelon::desktop::word

@@ -76,7 +76,7 @@ class TextObject : public WordObject<Server>, public TextPlace {
   }
   Value Delete(const MethodArguments& arguments) {
     const int32_t deleted = DeleteAt(story(), span(), UnitOf(arguments), CountOf(arguments));
-    if (deleted != 0) this->document().NoteSpanEdit();
+    if (deleted != 0) this->document().NoteEdit();
     return deleted;
   }
   Value GetFind() {

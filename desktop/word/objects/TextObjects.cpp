@@ -80,26 +80,20 @@ const MemberTable<RangeObject>& RangeObject::Members() {
 }
 
 TrackedSpan& RangeObject::tracked() {
-  if (!tracked_) {
-    const Cell& cell = cell_->Require(document());
-    tracked_.emplace(cell.story(), cell.span());
-  }
+  if (!tracked_) tracked_.emplace(cell_->story(), cell_->span());
   return *tracked_;
 }
 
-Value RangeObject::GetText() {
-  return tracked_ ? story().Text(span()) : cell_->Require(document()).Text();
-}
+Value RangeObject::GetText() { return tracked_ ? story().Text(span()) : cell_->Text(); }
 
 void RangeObject::PutText(const Value& value) {
   const String text = value.ToText();
   if (tracked_) {
     MoveTo(story().Replace(WithoutLastMark(story(), span()), text));
-    document().NoteSpanEdit();
   } else {
-    cell_->Require(document()).SetText(text);
-    document().NoteEdit();
+    cell_->SetText(text);
   }
+  document().NoteEdit();
 }
 
 Value RangeObject::GetNextStoryRange() {
@@ -133,7 +127,7 @@ Value SelectionObject::TypeText(const MethodArguments& arguments) {
 
 void SelectionObject::Type(const String& text, bool collapse) {
   Span typed = story().Replace(WithoutLastMark(story(), span()), text);
-  document().NoteSpanEdit();
+  document().NoteEdit();
   if (collapse) typed.start = typed.end;
   MoveTo(typed);
 }

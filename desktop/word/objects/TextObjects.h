@@ -3,7 +3,6 @@
 
 #include <optional>
 
-#include "desktop/word/objects/TableLink.h"
 #include "desktop/word/objects/TextObject.h"
 
 namespace kestrelon::desktop::word {
@@ -14,7 +13,7 @@ class RangeObject final : public TextObject<RangeObject> {
       : TextObject(std::move(owner)), tracked_(std::in_place, story, span) {}
   // The content of a cell. Its text is read and written without its position, which in a long table
   // would cost a walk; the position is found when it is first asked for.
-  RangeObject(Owner owner, CellLink cell) : TextObject(std::move(owner)), cell_(std::move(cell)) {}
+  RangeObject(Owner owner, Cell& cell) : TextObject(std::move(owner)), cell_(&cell) {}
 
   static const MemberTable<RangeObject>& Members();
 
@@ -32,7 +31,7 @@ class RangeObject final : public TextObject<RangeObject> {
  private:
   TrackedSpan& tracked();
 
-  std::optional<CellLink> cell_;
+  Cell* cell_ = nullptr;
   std::optional<TrackedSpan> tracked_;
   FindSettings find_;
 };
