@@ -13,23 +13,29 @@ const MemberTable<TablesObject>& TablesObject::Members() {
   return table;
 }
 
-std::vector<Table*> TablesObject::Tables() {
-  std::vector<Table*> tables;
+bool TablesObject::CoversStory() const { return place_.span() == Span{0, story_.Length()}; }
+
+std::vector<Table*> TablesObject::TablesInPlace() const {
   const Span place = place_.span();
-  const bool whole_story = place.start == 0 && place.end == story_.Length();
+  std::vector<Table*> tables;
   for (int32_t i = 1, count = story_.TableCount(); i <= count; ++i) {
     Table* const table = story_.TableAt(i);
-    if (!whole_story) {
-      const Span span = table->span();
-      if (span.end <= place.start || span.start >= std::max(place.end, place.start + 1)) continue;
+    const Span span = table->span();
+    if (span.start < std::max(place.end, place.start + 1) && place.start < span.end) {
+      tables.push_back(table);
     }
-    tables.push_back(table);
   }
   return tables;
 }
 
+int32_t TablesObject::Size() {
+  return CoversStory() ? story_.TableCount() : static_cast<int32_t>(TablesInPlace().size());
+}
+
 Value TablesObject::At(int32_t index) {
-  return MakeObject<TableObject>(owner(), story_, *Tables()[static_cast<size_t>(index - 1)]);
+  Table* const table =
+      CoversStory() ? story_.TableAt(index) : TablesInPlace()[static_cast<size_t>(index - 1)];
+  return MakeObject<TableObject>(owner(), story_, *table);
 }
 
 const MemberTable<TableObject>& TableObject::Members() {

@@ -9,18 +9,19 @@
 
 namespace kestrelon::desktop::word {
 
-// The tables of a story that lie in a span, top level only.
+// The tables of a story, or those that lie in a part of it; top level only.
 class TablesObject final : public WordCollection<TablesObject> {
  public:
   TablesObject(Owner owner, Story& story, Span span)
       : WordCollection(std::move(owner)), story_(story), place_(story, span) {}
   static const MemberTable<TablesObject>& Members();
 
-  int32_t Size() { return static_cast<int32_t>(Tables().size()); }
+  int32_t Size();
   Value At(int32_t index);
 
  private:
-  std::vector<Table*> Tables();
+  bool CoversStory() const;
+  std::vector<Table*> TablesInPlace() const;
 
   Story& story_;
   TrackedSpan place_;
