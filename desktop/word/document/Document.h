@@ -1,59 +1,46 @@
 // The text of a Word document: stories of characters with positions, as Word counts them, over the
 // XML of the parts. Everything that an edit does not touch keeps its bytes.
 //
-// Positions: one per character, tab, break, paragraph mark, end-of-cell mark, end-of-row mark, field
-// character, anchored or in-line picture, note reference. Text(): "\r" for a paragraph mark, "\r\a"
-// for an end-of-cell or end-of-row mark, "\v" for a line break, "\f" for a page or section break,
-// "\t" for a tab. Text in tracked deletions has no positions and is never found.
-//
-// Errors are AutomationErrors with Word's own numbers: 5904 "Cannot edit Range.", 5854 "String
-// parameter too long.", 4608 "Value out of range.", 5941 "The requested member of the collection does
-// not exist."
+// Parts are found by content type and relationship, never by name.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "automation/AutomationError.h"
-#include "automation/Text.h"
+#include "desktop/word/document/FindPattern.h"
+#include "desktop/word/document/Story.h"
+#include "desktop/word/document/Table.h"
 
 namespace kestrelon::desktop::word {
 
-// Positions from `start` up to, not including, `end`.
-struct Span {
-  int32_t start = 0;
-  int32_t end = 0;
-  friend bool operator==(Span, Span) = default;
-};
-
-enum class StoryType : int32_t {
-  kMain = 1,
-  kFootnotes = 2,
-  kEndnotes = 3,
-  kComments = 4,
-  kTextFrame = 5,
-  kEvenPagesHeader = 6,
-  kPrimaryHeader = 7,
-  kEvenPagesFooter = 8,
-  kPrimaryFooter = 9,
-  kFirstPageHeader = 10,
-  kFirstPageFooter = 11,
-};
-
 enum class DocumentKind { kDocx, kDocm, kDotx, kDotm };
 
-class Document;
-class Story;
-class Table;
+class Document {
+ public:
+  // Takes the bytes of the file. Error 5792 for a damaged or hostile package or part.
+  static std::unique_ptr<Document> Open(std::string package_bytes);
+  ~Document();
 
-// What Find.Text says: plain text with Word's "^" codes. Error 5854 over 255 units.
-class FindPattern;
+  Story& Main();
+  // The first story of each type present, in order of type. Reads the parts that were not needed
+  // until now: error 5792.
+  std::vector<Story*> FirstStories();
+  // The next story of the same type (the next section's header, the next text box of the main text);
+  // nullptr after the last.
+  Story* NextStory(const Story& story);
 
-// A span that moves with the edits around it, as Word's Range objects do.
-class TrackedSpan;
+  // The bytes of the package. A template becomes a document and the other way round, as `kind` says;
+  // macros are left out where the kind has none.
+  std::string Save(DocumentKind kind);
+  // True once an edit has changed a text.
+  bool changed() const;
 
-// The shapes below are the plan of the interface; see the class definitions that follow.
+ private:
+  Document();
+  struct Implementation;
+  std::unique_ptr<Implementation> self_;
+};
+
 }  // namespace kestrelon::desktop::word
