@@ -90,10 +90,14 @@ class Story {
 
  private:
   friend class TrackedSpan;
+  friend class Document;
+  // Without those whose anchor has been deleted.
+  std::vector<Story*> TextBoxes() const;
 
   Document& document_;
   StoryType type_;
   std::unique_ptr<StoryText> text_;
+  std::vector<std::unique_ptr<Story>> text_boxes_;
 };
 
 // A span that moves with the edits around it, as Word's Range objects do. Must not outlive its

@@ -1,4 +1,6 @@
 // A table, its rows and cells. Rows and columns count from 1.
+//
+// Error 5825 "Object has been deleted." for every call once the table has been deleted.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +12,8 @@
 
 namespace kestrelon::desktop::word {
 
-class Paragraph;
+struct Paragraph;
+class StoryReader;
 
 class Cell {
  public:
@@ -23,8 +26,19 @@ class Cell {
   // the story the cell stands.
   void SetText(StringView text);
 
+  Table& table() const { return table_; }
+
  private:
   friend class Table;
+  friend class StoryReader;
+  Cell(Table& table, uint32_t node) : table_(table), node_(node) {}
+  StoryText& text() const;
+  bool HasOneParagraph() const;
+  Paragraph& FirstParagraph() const;
+
+  Table& table_;
+  uint32_t node_;
+  Paragraph* last_ = nullptr;  // its mark is the end-of-cell mark
 };
 
 class Table {
@@ -39,6 +53,31 @@ class Table {
   Cell* CellAt(int32_t row, int32_t column) const;
   // From the first cell to the last end-of-row mark.
   Span span() const;
+
+  // The cell that the table stands in; nullptr for one that is not nested.
+  Cell* parent() const { return parent_; }
+
+ private:
+  friend class Cell;
+  friend class StoryReader;
+  friend class StoryText;
+  friend class SpanDeletion;
+  struct Row {
+    uint32_t node;
+    std::vector<std::unique_ptr<Cell>> cells;
+    Paragraph* mark;
+  };
+  Table(uint32_t node, Cell* parent) : node_(node), parent_(parent) {}
+  void RequireUsable() const;
+  Paragraph& FirstParagraph() const;
+  Paragraph& LastMark() const { return *rows_.back().mark; }
+
+  uint32_t node_;
+  Cell* parent_;
+  StoryText* text_ = nullptr;
+  std::vector<Row> rows_;
+  size_t widest_ = 0;
+  bool deleted_ = false;
 };
 
 }  // namespace kestrelon::desktop::word
