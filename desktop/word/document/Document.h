@@ -27,12 +27,12 @@ class Document {
   // The first story of each type present, in order of type. Reads the parts that were not needed
   // until now: error 5792.
   std::vector<Story*> FirstStories();
-  // The next story of the same type (the next section's header, the next text box of the main text);
-  // nullptr after the last.
+  // The next story of the same type (the next section's header, the next text box of the main
+  // text); nullptr after the last.
   Story* NextStory(const Story& story);
 
-  // The bytes of the package. A template becomes a document and the other way round, as `kind` says;
-  // macros are left out where the kind has none.
+  // The bytes of the package. A template becomes a document and the other way round, as `kind`
+  // says; macros are left out where the kind has none.
   std::string Save(DocumentKind kind);
   // True once an edit has changed a text.
   bool changed() const;

@@ -18,7 +18,8 @@ void AlignBranches(XmlTree& tree, NodeId alternative, NodeId edited) {
   if (HoldsTextBox(tree, alternative)) return;
   for (NodeId branch = tree.first_child(alternative); branch != kNoNode;
        branch = tree.next(branch)) {
-    const bool is_branch = tree.name(branch) == Name::kChoice || tree.name(branch) == Name::kFallback;
+    const bool is_branch =
+        tree.name(branch) == Name::kChoice || tree.name(branch) == Name::kFallback;
     if (!is_branch || branch == edited) continue;
     while (tree.first_child(branch) != kNoNode) tree.Remove(tree.first_child(branch));
     for (NodeId child = tree.first_child(edited); child != kNoNode; child = tree.next(child)) {

@@ -1,4 +1,5 @@
-// A part of the package that holds text: its XML, and what has to be put right before it is written.
+// A part of the package that holds text: its XML, and what has to be put right before it is
+// written.
 #pragma once
 
 #include <set>

@@ -2,9 +2,9 @@
 //
 // ^p paragraph mark, ^l line break, ^t tab, ^m page break, ^s no-break space, ^~ no-break hyphen,
 // ^- optional hyphen, ^+ em dash, ^= en dash, ^^ caret, ^nnn character of that ANSI code, ^0nnn or
-// ^unnnn character of that code; ^? any character, ^# any digit, ^$ any letter, ^w white space of any
-// length. A caret before anything else stands for itself. Straight quotes find curly ones and the
-// other way round, as Word's do.
+// ^unnnn character of that code; ^? any character, ^# any digit, ^$ any letter, ^w white space of
+// any length. A caret before anything else stands for itself. Straight quotes find curly ones and
+// the other way round, as Word's do.
 #pragma once
 
 #include <cstdint>

@@ -38,15 +38,15 @@ struct Piece {
 enum class Mark : uint8_t { kParagraph, kSection, kCell, kRow };
 
 struct Paragraph {
-  // kNoNode where the file has none: an end-of-row mark, or the paragraph that must stand at the end
-  // of a cell or story and is missing there.
+  // kNoNode where the file has none: an end-of-row mark, or the paragraph that must stand at the
+  // end of a cell or story and is missing there.
   NodeId node = kNoNode;
   NodeId container = kNoNode;  // body, header, note, text box or cell that it stands in
   Mark mark = Mark::kParagraph;
   bool has_fields = false;
   bool is_last = false;    // of its container: the mark cannot go
   uint32_t flow = 0;       // which of the containers that the story is made of it belongs to
-  Cell* cell = nullptr;   // the innermost; of an end-of-row mark, the one that its table stands in
+  Cell* cell = nullptr;    // the innermost; of an end-of-row mark, the one that its table stands in
   Table* table = nullptr;  // of an end-of-row mark
   String text;
   std::vector<Piece> pieces;

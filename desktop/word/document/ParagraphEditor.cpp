@@ -125,7 +125,8 @@ size_t ParagraphEditor::PieceInNewRun(size_t index, size_t at) {
   }
   const bool is_before = index < paragraph_.pieces.size();
   NodeId neighbour = paragraph_.pieces[is_before ? index : index - 1].node;
-  while (tree_.name(neighbour) != Name::kRun && tree_.name(tree_.parent(neighbour)) != Name::kParagraph) {
+  while (tree_.name(neighbour) != Name::kRun &&
+         tree_.name(tree_.parent(neighbour)) != Name::kParagraph) {
     neighbour = tree_.parent(neighbour);
   }
   const NodeId run = NewRun();
@@ -152,7 +153,8 @@ NodeId ParagraphEditor::NewRun() {
   const NodeId mark =
       properties == kNoNode ? kNoNode : tree_.Child(properties, Name::kRunProperties);
   if (mark == kNoNode) return run;
-  const NodeId formatting = tree_.NewElement(Name::kRunProperties, "<" + name + "Pr>", "</" + name + "Pr>");
+  const NodeId formatting =
+      tree_.NewElement(Name::kRunProperties, "<" + name + "Pr>", "</" + name + "Pr>");
   for (NodeId child = tree_.first_child(mark); child != kNoNode; child = tree_.next(child)) {
     if (!IsTracking(tree_.name(child))) tree_.Insert(formatting, kNoNode, tree_.CopyOf(child));
   }
@@ -185,8 +187,8 @@ void ParagraphEditor::InsertTokens(size_t index, size_t at, StringView clean) {
     }
     const size_t end = std::min(clean.find_first_of(kBreakOrTab, i), clean.size());
     const Piece before = paragraph_.pieces[index];
-    index = NewTextPiece(index + 1, before.end(), tree_.parent(before.node),
-                         tree_.next(before.node));
+    index =
+        NewTextPiece(index + 1, before.end(), tree_.parent(before.node), tree_.next(before.node));
     InsertUnits(index, before.end(), clean.substr(i, end - i));
     i = end;
   }
@@ -237,9 +239,8 @@ void ParagraphEditor::Remove(size_t from, size_t to, const std::vector<NodeId>& 
     const Piece piece = paragraph_.pieces[i];
     if (piece.begin >= to) continue;
     if (piece.end() <= from) break;
-    const bool stays =
-        IsField(piece.kind) &&
-        std::find(whole_fields.begin(), whole_fields.end(), piece.node) == whole_fields.end();
+    const bool stays = IsField(piece.kind) && std::find(whole_fields.begin(), whole_fields.end(),
+                                                        piece.node) == whole_fields.end();
     if (!stays) {
       CutPiece(i, std::max<size_t>(from, piece.begin), std::min<size_t>(to, piece.end()));
     }

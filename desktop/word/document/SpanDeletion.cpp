@@ -76,8 +76,8 @@ void SpanDeletion::CheckTables() {
     Table* const table = TableInCommonCell(paragraph);
     const size_t begin = story_.IndexOf(table->FirstParagraph());
     const size_t end = story_.IndexOf(table->LastMark());
-    const bool whole = begin >= first_.index && end <= last_.index &&
-                       (begin > first_.index || first_.offset == 0);
+    const bool whole =
+        begin >= first_.index && end <= last_.index && (begin > first_.index || first_.offset == 0);
     if (!whole) throw CannotEditRange();
     tables_.push_back(table);
     i = end;
@@ -111,8 +111,8 @@ void SpanDeletion::Execute() {
 }
 
 // The paragraph whose mark ends what is left: the last one when its mark stays, else the one behind
-// it. A table there cannot: then the last paragraph keeps its mark, unless nothing is left of it and
-// the table does not follow upon another.
+// it. A table there cannot: then the last paragraph keeps its mark, unless nothing is left of it
+// and the table does not follow upon another.
 Paragraph* SpanDeletion::FindSurvivor() {
   Paragraph& last = story_.At(last_.index);
   const bool is_direct = IsDirect(last);
@@ -120,8 +120,7 @@ Paragraph* SpanDeletion::FindSurvivor() {
   Paragraph& behind = story_.At(last_.index + 1);
   if (IsDirect(behind) && behind.flow == last.flow) return &behind;
   const bool first_is_empty = IsDirect(story_.At(first_.index)) && first_.offset == 0;
-  const bool follows_table =
-      first_.index > 0 && story_.At(first_.index - 1).mark == Mark::kRow;
+  const bool follows_table = first_.index > 0 && story_.At(first_.index - 1).mark == Mark::kRow;
   if (is_direct && first_is_empty && !follows_table && first_.index > 0 &&
       IsDirect(story_.At(first_.index - 1))) {
     return nullptr;
@@ -131,8 +130,7 @@ Paragraph* SpanDeletion::FindSurvivor() {
 
 void SpanDeletion::MergeInto(Paragraph& survivor, size_t cut) {
   Paragraph& first = story_.At(first_.index);
-  ParagraphEditor(story_, survivor)
-      .Replace(&survivor == &first ? first_.offset : 0, cut, {});
+  ParagraphEditor(story_, survivor).Replace(&survivor == &first ? first_.offset : 0, cut, {});
   if (&survivor == &first) return;
   const bool has_head = IsDirect(first);
   if (has_head) {
@@ -176,7 +174,7 @@ void SpanDeletion::MoveText(Paragraph& from, Paragraph& to) {
   to.pieces.insert(to.pieces.begin(), from.pieces.begin(), from.pieces.end());
   to.text.insert(0, from.text);
   to.has_fields = to.has_fields || from.has_fields;
-  for (TrackedSpan::Anchors* anchors : story_.tracked_) {
+  for (TrackedEnds* anchors : story_.tracked_) {
     for (auto* anchor : {&anchors->start, &anchors->end}) {
       if (anchor->paragraph == &to) anchor->offset += count;
       if (anchor->paragraph == &from) anchor->paragraph = &to;
@@ -188,7 +186,7 @@ void SpanDeletion::MoveText(Paragraph& from, Paragraph& to) {
 
 // Ends of tracked spans in what goes collapse to where the deletion was.
 void SpanDeletion::MoveAnchors(Paragraph& survivor, size_t kept) {
-  for (TrackedSpan::Anchors* anchors : story_.tracked_) {
+  for (TrackedEnds* anchors : story_.tracked_) {
     for (auto* anchor : {&anchors->start, &anchors->end}) {
       if (anchor->paragraph == &survivor) continue;
       const size_t index = story_.IndexOf(*anchor->paragraph);

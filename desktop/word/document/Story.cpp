@@ -65,32 +65,32 @@ Story* Story::TextBoxAt(int32_t index) const {
 }
 
 TrackedSpan::TrackedSpan(Story& story, Span span)
-    : story_(&story), anchors_(std::make_unique<Anchors>()) {
+    : story_(&story), ends_(std::make_unique<TrackedEnds>()) {
   Set(span);
-  story.text_->Track(*anchors_);
+  story.text_->Track(*ends_);
 }
 
 TrackedSpan::TrackedSpan(TrackedSpan&& other) noexcept = default;
 
 TrackedSpan& TrackedSpan::operator=(TrackedSpan&& other) noexcept {
   std::swap(story_, other.story_);
-  std::swap(anchors_, other.anchors_);
+  std::swap(ends_, other.ends_);
   return *this;
 }
 
 TrackedSpan::~TrackedSpan() {
-  if (anchors_ != nullptr) story_->text_->Untrack(*anchors_);
+  if (ends_ != nullptr) story_->text_->Untrack(*ends_);
 }
 
 Span TrackedSpan::span() const {
   StoryText& text = *story_->text_;
-  return {text.PositionOf(anchors_->start), text.PositionOf(anchors_->end)};
+  return {text.PositionOf(ends_->start), text.PositionOf(ends_->end)};
 }
 
 void TrackedSpan::Set(Span span) {
   StoryText& text = *story_->text_;
   if (span.start < 0 || span.start > span.end || span.end > text.length()) throw ValueOutOfRange();
-  *anchors_ = {text.AnchorAt(span.start), text.AnchorAt(span.end)};
+  *ends_ = {text.AnchorAt(span.start), text.AnchorAt(span.end)};
 }
 
 }  // namespace kestrelon::desktop::word

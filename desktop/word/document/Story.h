@@ -42,6 +42,7 @@ class Document;
 class Table;
 class TrackedSpan;
 class StoryText;
+struct TrackedEnds;
 
 class Story {
  public:
@@ -62,13 +63,13 @@ class Story {
   bool IsInTable(Span span) const;
 
   // The first match (the last one, backward) that lies wholly within [from, to). What an earlier
-  // search for the same pattern has found to hold no match, and no edit has touched, is not searched
-  // again.
+  // search for the same pattern has found to hold no match, and no edit has touched, is not
+  // searched again.
   std::optional<Span> Find(const FindPattern& pattern, int32_t from, int32_t to,
                            bool forward = true);
   // Puts plain text in the place of the span (empty: an insertion), with the formatting of the
-  // span's first run. CR LF, CR, LF and VT become line breaks, tabs become tabs, characters that XML
-  // forbids are dropped. Returns the span of the new text. Error 5904 as for Delete.
+  // span's first run. CR LF, CR, LF and VT become line breaks, tabs become tabs, characters that
+  // XML forbids are dropped. Returns the span of the new text. Error 5904 as for Delete.
   Span Replace(Span span, StringView text);
   // Replaces every match and does not look into what it has put in. Returns how many. Error 5854
   // for a replacement over 255 units. Matches that may not be edited are left alone.
@@ -114,10 +115,8 @@ class TrackedSpan {
   Story& story() const { return *story_; }
 
  private:
-  struct Anchors;
-
   Story* story_;
-  std::unique_ptr<Anchors> anchors_;
+  std::unique_ptr<TrackedEnds> ends_;
 };
 
 }  // namespace kestrelon::desktop::word

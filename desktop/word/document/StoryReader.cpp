@@ -261,9 +261,7 @@ void StoryReader::AddUnit(NodeId node, PieceKind kind, char16_t unit) {
   paragraph_->text += unit;
 }
 
-void StoryReader::AddObject(NodeId node, char16_t unit) {
-  AddUnit(node, PieceKind::kObject, unit);
-}
+void StoryReader::AddObject(NodeId node, char16_t unit) { AddUnit(node, PieceKind::kObject, unit); }
 
 // The branch of an alternative that stands for it; the alternative itself, which holds nothing
 // directly, when none does.

@@ -1,8 +1,8 @@
 // Walks over the XML of a story and takes down its paragraphs, tables and text boxes.
 //
 // Content controls, hyperlinks, tracked insertions, smart tags, custom XML and simple fields are
-// looked through; tracked deletions are left out. Of alternative contents the first branch that holds
-// anything known is taken.
+// looked through; tracked deletions are left out. Of alternative contents the first branch that
+// holds anything known is taken.
 #pragma once
 
 #include <memory>

@@ -57,16 +57,16 @@ std::optional<Span> StoryText::FindForward(const FindPattern& pattern, Span with
   for (; place.index < Count(); place = {place.index + 1, 0}) {
     ExtendTo(place.index + 1);
     const Paragraph& paragraph = At(place.index);
-    if (extends) searched_ = {pattern, place.index, place.offset};
+    if (extends) SetSearched(place);
     if (paragraph.start >= within.end) return std::nullopt;
     const Match match = FindInParagraph(pattern, paragraph, place.offset);
     if (match.start == FindPattern::kNone) continue;
-    if (extends) searched_.offset = match.start;
+    if (extends) SetSearched({place.index, match.start});
     const int32_t start = paragraph.start + static_cast<int32_t>(match.start);
     const Span found = {start, start + static_cast<int32_t>(match.length)};
     return found.end <= within.end ? std::optional(found) : std::nullopt;
   }
-  if (extends) searched_ = {pattern, Count(), 0};
+  if (extends) SetSearched({Count(), 0});
   return std::nullopt;
 }
 
@@ -128,7 +128,7 @@ int32_t StoryText::ReplaceAll(const FindPattern& pattern, StringView replacement
     ExtendTo(i + 1);
     count += ReplaceAllInParagraph(pattern, replacement, i, i == clear.index ? clear.offset : 0);
   }
-  if (count == 0) searched_ = {pattern, Count(), 0};
+  if (count == 0) SetSearched({Count(), 0});
   return count;
 }
 
@@ -141,8 +141,8 @@ int32_t StoryText::ReplaceAllInParagraph(const FindPattern& pattern, StringView 
     if (match.start == FindPattern::kNone) return count;
     const String clean = CleanText(ExpandReplacement(
         replacement, StringView(paragraph.text).substr(match.start, match.length)));
-    const size_t put = ParagraphEditor(*this, paragraph)
-                           .Replace(match.start, match.start + match.length, clean);
+    const size_t put =
+        ParagraphEditor(*this, paragraph).Replace(match.start, match.start + match.length, clean);
     offset = put + clean.size();
     ++count;
   }

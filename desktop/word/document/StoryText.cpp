@@ -12,8 +12,6 @@
 namespace kestrelon::desktop::word {
 namespace {
 
-using Anchor = TrackedSpan::Anchors::Anchor;
-
 StringView MarkText(Mark mark) {
   switch (mark) {
     case Mark::kSection:
@@ -159,8 +157,8 @@ Span StoryText::ReplaceAcross(Span span, const String& clean) {
   const Place first = Locate(span.start);
   Paragraph& paragraph = At(first.index);
   const int32_t before = length_;
-  const size_t at = ParagraphEditor(*this, paragraph)
-                        .Replace(first.offset, paragraph.text.size(), clean);
+  const size_t at =
+      ParagraphEditor(*this, paragraph).Replace(first.offset, paragraph.text.size(), clean);
   const int32_t start = StartOf(paragraph) + static_cast<int32_t>(at);
   const int32_t mark = StartOf(paragraph) + paragraph.length() - 1;
   SpanDeletion(*this, {mark, span.end + length_ - before}).Execute();
@@ -219,25 +217,26 @@ void StoryText::AppendMirrorRow(const Table& table) {
   const auto& tables = content_.tables;
   const auto index = std::find_if(tables.begin(), tables.end(), same) - tables.begin();
   auto& mirrored = mirror_->content_.tables;
-  if (index < static_cast<ptrdiff_t>(mirrored.size())) mirrored[static_cast<size_t>(index)]->AddRow();
+  if (index < static_cast<ptrdiff_t>(mirrored.size()))
+    mirrored[static_cast<size_t>(index)]->AddRow();
 }
 
-void StoryText::Untrack(TrackedSpan::Anchors& anchors) { std::erase(tracked_, &anchors); }
+void StoryText::Untrack(TrackedEnds& anchors) { std::erase(tracked_, &anchors); }
 
-Anchor StoryText::AnchorAt(int32_t position) {
+TrackedEnd StoryText::AnchorAt(int32_t position) {
   const Place place = Locate(position);
   return {&At(place.index), place.offset};
 }
 
-int32_t StoryText::PositionOf(const Anchor& anchor) {
+int32_t StoryText::PositionOf(const TrackedEnd& anchor) {
   return StartOf(*anchor.paragraph) + static_cast<int32_t>(anchor.offset);
 }
 
 void StoryText::NoteInserted(Paragraph& paragraph, size_t at, size_t count) {
   length_ += static_cast<int32_t>(count);
   ForgetFrom(paragraph, at);
-  for (TrackedSpan::Anchors* anchors : tracked_) {
-    for (Anchor* anchor : {&anchors->start, &anchors->end}) {
+  for (TrackedEnds* anchors : tracked_) {
+    for (TrackedEnd* anchor : {&anchors->start, &anchors->end}) {
       if (anchor->paragraph == &paragraph && anchor->offset > at) anchor->offset += count;
     }
   }
@@ -246,24 +245,23 @@ void StoryText::NoteInserted(Paragraph& paragraph, size_t at, size_t count) {
 void StoryText::NoteRemoved(Paragraph& paragraph, size_t from, size_t to) {
   length_ -= static_cast<int32_t>(to - from);
   ForgetFrom(paragraph, from);
-  for (TrackedSpan::Anchors* anchors : tracked_) {
-    for (Anchor* anchor : {&anchors->start, &anchors->end}) {
+  for (TrackedEnds* anchors : tracked_) {
+    for (TrackedEnd* anchor : {&anchors->start, &anchors->end}) {
       if (anchor->paragraph != &paragraph || anchor->offset <= from) continue;
       anchor->offset = anchor->offset >= to ? anchor->offset - (to - from) : from;
     }
   }
 }
 
-// The text of the paragraph has changed at `offset`. A paragraph whose place is not known lies behind
-// all that is known.
+// The text of the paragraph has changed at `offset`. A paragraph whose place is not known lies
+// behind all that is known.
 void StoryText::ForgetFrom(const Paragraph& paragraph, size_t offset) {
   if (paragraph.index >= known_ || &At(paragraph.index) != &paragraph) return;
   known_ = std::min<size_t>(known_, paragraph.index + 1);
   if (paragraph.index > searched_.index || !searched_.pattern) return;
   const auto reach = static_cast<size_t>(searched_.pattern->longest_match());
   const size_t clear = offset < reach ? 0 : offset - reach;
-  searched_.offset =
-      paragraph.index == searched_.index ? std::min(searched_.offset, clear) : clear;
+  searched_.offset = paragraph.index == searched_.index ? std::min(searched_.offset, clear) : clear;
   searched_.index = paragraph.index;
 }
 

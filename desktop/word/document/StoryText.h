@@ -1,8 +1,8 @@
 // The text of a story: its paragraphs in order, with their positions, over the XML of a part.
 //
-// Positions are sums over the paragraphs before, kept up to the last one that was asked for; an edit
-// forgets those behind it. A walk from the front to the end with an edit at every step costs no more
-// than one without. A search remembers likewise up to where its pattern does not occur.
+// Positions are sums over the paragraphs before, kept up to the last one that was asked for; an
+// edit forgets those behind it. A walk from the front to the end with an edit at every step costs
+// no more than one without. A search remembers likewise up to where its pattern does not occur.
 #pragma once
 
 #include <cstdint>
@@ -31,14 +31,15 @@ struct StoryContent {
   std::vector<NodeId> sections;  // properties of all sections but the last
 };
 
-// Both ends of a tracked span, each as a paragraph and a place in it.
-struct TrackedSpan::Anchors {
-  struct Anchor {
-    Paragraph* paragraph;
-    size_t offset;  // up to one past the mark
-  };
-  Anchor start;
-  Anchor end;
+struct TrackedEnd {
+  Paragraph* paragraph = nullptr;
+  size_t offset = 0;  // up to one past the mark
+};
+
+// Both ends of a tracked span; they stay where they are when other paragraphs change.
+struct TrackedEnds {
+  TrackedEnd start;
+  TrackedEnd end;
 };
 
 class StoryText {
@@ -89,10 +90,10 @@ class StoryText {
   // Writes the text of changed pieces into their nodes.
   void WriteText();
 
-  void Track(TrackedSpan::Anchors& anchors) { tracked_.push_back(&anchors); }
-  void Untrack(TrackedSpan::Anchors& anchors);
-  TrackedSpan::Anchors::Anchor AnchorAt(int32_t position);
-  int32_t PositionOf(const TrackedSpan::Anchors::Anchor& anchor);
+  void Track(TrackedEnds& anchors) { tracked_.push_back(&anchors); }
+  void Untrack(TrackedEnds& anchors);
+  TrackedEnd AnchorAt(int32_t position);
+  int32_t PositionOf(const TrackedEnd& anchor);
 
   // Every change of a paragraph's text is reported here.
   void NoteInserted(Paragraph& paragraph, size_t at, size_t count);
@@ -110,12 +111,15 @@ class StoryText {
   };
 
   void ExtendTo(size_t count);
+  void SetSearched(Place place) {
+    searched_.index = place.index;
+    searched_.offset = place.offset;
+  }
   void ForgetFrom(const Paragraph& paragraph, size_t offset);
   int32_t EndOf(size_t index) { return At(index).start + At(index).length(); }
   void CheckSpan(Span span) const;
 
-  static Match FindInParagraph(const FindPattern& pattern, const Paragraph& paragraph,
-                               size_t from);
+  static Match FindInParagraph(const FindPattern& pattern, const Paragraph& paragraph, size_t from);
   std::optional<Span> FindForward(const FindPattern& pattern, Span within);
   std::optional<Span> FindBackward(const FindPattern& pattern, Span within);
   std::optional<Span> FindAcross(const FindPattern& pattern, Span within, bool forward);
@@ -123,6 +127,8 @@ class StoryText {
   int32_t ReplaceAllInParagraph(const FindPattern& pattern, StringView replacement, size_t index,
                                 size_t offset);
 
+  Span ReplaceHere(Span span, const String& clean);
+  Span ReplaceAcross(Span span, const String& clean);
   void AppendMirrorRow(const Table& table);
   void EditMirror(Span span, const String& before, StringView text);
 
@@ -134,7 +140,7 @@ class StoryText {
   int32_t length_ = 0;
   size_t known_ = 0;  // the paragraphs before it know their start and index
   Searched searched_;
-  std::vector<TrackedSpan::Anchors*> tracked_;
+  std::vector<TrackedEnds*> tracked_;
 };
 
 }  // namespace kestrelon::desktop::word

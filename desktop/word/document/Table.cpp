@@ -48,7 +48,8 @@ class RowCopy {
     const std::string open = tree_.OpenTagWithout(node, {"paraId", "textId"});
     const std::string_view tag = open;
     const std::string name(tag.substr(1, tag.find_first_of(" \t\r\n/>", 1) - 1));
-    const std::string start = tag.ends_with("/>") ? std::string(tag.substr(0, tag.size() - 2)) + ">" : open;
+    const std::string start =
+        tag.ends_with("/>") ? std::string(tag.substr(0, tag.size() - 2)) + ">" : open;
     return tree_.NewElement(tree_.name(node), start, "</" + name + ">");
   }
 
@@ -57,7 +58,8 @@ class RowCopy {
   // A row of data is neither a heading nor a tracked change because the one above it is.
   NodeId RowProperties(NodeId properties) {
     const NodeId copy = EmptyLike(properties);
-    for (NodeId child = tree_.first_child(properties); child != kNoNode; child = tree_.next(child)) {
+    for (NodeId child = tree_.first_child(properties); child != kNoNode;
+         child = tree_.next(child)) {
       const Name name = tree_.name(child);
       const bool dropped =
           name == Name::kTableHeader || name == Name::kInserted || name == Name::kDeleted;
@@ -83,8 +85,8 @@ class RowCopy {
     const NodeId properties = tree_.Child(cell, Name::kCellProperties);
     if (properties != kNoNode) Append(copy, tree_.CopyOf(properties));
     const NodeId paragraph = FirstBelow(tree_, cell, Name::kParagraph);
-    Append(copy, paragraph == kNoNode ? NewLike(cell, Name::kParagraph, "p")
-                                      : ParagraphLike(paragraph));
+    Append(copy,
+           paragraph == kNoNode ? NewLike(cell, Name::kParagraph, "p") : ParagraphLike(paragraph));
     return copy;
   }
 

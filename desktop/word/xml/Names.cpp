@@ -80,8 +80,8 @@ constexpr Entry kEntries[] = {
     {"tab", Namespace::kWord, Name::kTab},
 };
 
-// Every element of a file is looked up, so the lookup must cost next to nothing: open addressing over
-// a hash of the length and three letters.
+// Every element of a file is looked up, so the lookup must cost next to nothing: open addressing
+// over a hash of the length and three letters.
 constexpr size_t kSlots = 256;
 
 constexpr size_t SlotOf(std::string_view local) {

@@ -3,9 +3,8 @@
 #include <array>
 #include <cstring>
 
-#include "automation/AutomationError.h"
 #include "automation/Text.h"
-#include "desktop/word/package/Package.h"
+#include "desktop/word/package/PackageError.h"
 #include "desktop/word/xml/XmlText.h"
 
 namespace kestrelon::desktop::word {
@@ -52,10 +51,8 @@ std::string FromUtf16(std::string_view bytes, bool big_endian) {
 }  // namespace
 
 void XmlReader::Fail(std::string_view what) const {
-  throw AutomationError(kCorruptDocument,
-                        FromUtf8("The document is damaged: its part " + std::string(part_) + " " +
-                                 std::string(what) + " (at byte " + std::to_string(at_) +
-                                 "). Open it in Word, repair it and save it again."));
+  RefusePackage("its part " + Quoted(part_) + " " + std::string(what) + " (at byte " +
+                std::to_string(at_) + ").");
 }
 
 NodeId XmlReader::Read() {
@@ -83,10 +80,9 @@ void XmlReader::CheckDeclaration() {
   const size_t encoding = declaration.find("encoding");
   if (encoding == std::string_view::npos) return;
   const std::string value(declaration.substr(encoding));
-  const bool known = EqualIgnoringCase(FromUtf8(value.substr(value.find_first_of("\"'") + 1, 5)),
-                                       u"utf-8") ||
-                     value.find("ascii") != std::string::npos ||
-                     value.find("ASCII") != std::string::npos;
+  const bool known =
+      EqualIgnoringCase(FromUtf8(value.substr(value.find_first_of("\"'") + 1, 5)), u"utf-8") ||
+      value.find("ascii") != std::string::npos || value.find("ASCII") != std::string::npos;
   if (!known) Fail("is in an encoding other than UTF-8 and UTF-16");
 }
 

@@ -1,18 +1,14 @@
 #include "desktop/word/xml/XmlText.h"
 
 #include <charconv>
-#include <cstring>
 
-#include "automation/AutomationError.h"
-#include "desktop/word/package/Package.h"
+#include "desktop/word/package/PackageError.h"
 
 namespace kestrelon::desktop::word {
 namespace {
 
-[[noreturn]] void ThrowDamagedText(StringView what) {
-  throw AutomationError(kCorruptDocument, u"The document is damaged: its text holds " +
-                                              String(what) +
-                                              u". Open it in Word, repair it and save it again.");
+[[noreturn]] void RefuseText(std::string_view what) {
+  RefusePackage("its text holds " + std::string(what) + ".");
 }
 
 bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
@@ -40,7 +36,7 @@ size_t DecodeSequence(std::string_view bytes, String& text) {
     code = (code << 6) | (at(i) & 0x3F);
   }
   good = good && code >= kSmallest[length] && code <= 0x10FFFF && (code >> 11) != 0x1B;
-  if (!good) ThrowDamagedText(u"bytes that are not UTF-8");
+  if (!good) RefuseText("bytes that are not UTF-8");
   AppendCodePoint(code, text);
   return length;
 }
@@ -53,14 +49,14 @@ uint32_t NumberedCode(std::string_view digits) {
       std::from_chars(digits.data(), digits.data() + digits.size(), code, hex ? 16 : 10);
   const bool good = error == std::errc() && end == digits.data() + digits.size() && code != 0 &&
                     code <= 0x10FFFF && (code >> 11) != 0x1B;
-  if (!good) ThrowDamagedText(u"a character reference to no character");
+  if (!good) RefuseText("a character reference to no character");
   return code;
 }
 
 // `raw` starts with "&"; returns the length of the reference.
 size_t DecodeReference(std::string_view raw, String& text) {
   const size_t end = raw.substr(0, 16).find(';');
-  if (end == std::string_view::npos) ThrowDamagedText(u"an unfinished reference");
+  if (end == std::string_view::npos) RefuseText("an unfinished reference");
   const std::string_view name = raw.substr(1, end - 1);
   if (name.starts_with('#')) {
     AppendCodePoint(NumberedCode(name.substr(1)), text);
@@ -75,7 +71,7 @@ size_t DecodeReference(std::string_view raw, String& text) {
   } else if (name == "apos") {
     text += u'\'';
   } else {
-    ThrowDamagedText(u"a reference to an entity that is not declared");
+    RefuseText("a reference to an entity that is not declared");
   }
   return end + 1;
 }
@@ -96,7 +92,7 @@ void DecodeCharacters(std::string_view raw, bool references, String& text) {
 
 // The length of the markup that `raw` starts with.
 size_t MarkupLength(std::string_view raw) {
-  const std::string_view closing = raw.starts_with("<!--")  ? "-->"
+  const std::string_view closing = raw.starts_with("<!--") ? "-->"
                                    : raw.starts_with("<?") ? "?>"
                                                            : ">";
   const size_t end = raw.find(closing);

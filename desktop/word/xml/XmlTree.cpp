@@ -226,7 +226,8 @@ void XmlTree::OpenUp(NodeId node) {
   if (element.close_length != 0) return;
   const std::string tag(OpenTag(node));
   const std::string name(TagName(tag));
-  const std::string open_tag = tag.substr(0, tag.find_last_not_of(kBlanks, tag.size() - 3) + 1) + ">";
+  const std::string open_tag =
+      tag.substr(0, tag.find_last_not_of(kBlanks, tag.size() - 3) + 1) + ">";
   element.open = AddBytes(open_tag);
   element.open_length = static_cast<uint32_t>(open_tag.size());
   element.close = AddBytes("</" + name + ">");

@@ -1,5 +1,5 @@
-// The XML of one part as a tree over its bytes: an element that nothing changes is written back just
-// as it was read.
+// The XML of one part as a tree over its bytes: an element that nothing changes is written back
+// just as it was read.
 //
 // A node is a start tag, its children and an end tag, each a place in the bytes of the part or in
 // the bytes added since. Elements whose inside is no one's business (run properties, text) are
@@ -92,7 +92,7 @@ class XmlTree {
   void OpenUp(NodeId node);
 
   std::string source_;
-  std::string added_;  // offsets from kAdded on
+  std::string added_;           // offsets from kAdded on
   std::vector<XmlNode> nodes_;  // nodes_[0] stands for the part
   NodeId root_ = kNoNode;
 };
