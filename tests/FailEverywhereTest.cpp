@@ -114,7 +114,9 @@ TEST(FailEverywhereInMail, EveryFailureIsToldOnceAndTheReferencesStayAsDocumente
       const bool reached = static_cast<int>(desktop.log.size()) >= n;
       // Deleting the temporary file is the one thing whose failure is not told.
       const bool told = reached && desktop.log.back().find("FileSystemObject") == std::string::npos;
-      if (told) EXPECT_EQ(desktop.messages.size(), 1U) << n << " " << desktop.log.back();
+      if (told) {
+        EXPECT_EQ(desktop.messages.size(), 1U) << n << " " << desktop.log.back();
+      }
       if (!reached) break;
     }
   }
