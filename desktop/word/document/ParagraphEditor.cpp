@@ -177,7 +177,7 @@ NodeId ParagraphEditor::FindEmptyRun(NodeId parent) const {
 void ParagraphEditor::InsertTokens(size_t index, size_t at, StringView clean) {
   const size_t first_break = clean.find_first_of(kBreakOrTab);
   if (first_break == StringView::npos) return InsertUnits(index, at, clean);
-  SplitPiece(index, at);
+  const bool has_tail = SplitPiece(index, at);
   const size_t head = index;
   InsertUnits(index, at, clean.substr(0, first_break));
   for (size_t i = first_break; i < clean.size();) {
@@ -187,22 +187,25 @@ void ParagraphEditor::InsertTokens(size_t index, size_t at, StringView clean) {
     }
     const size_t end = std::min(clean.find_first_of(kBreakOrTab, i), clean.size());
     const Piece before = paragraph_.pieces[index];
-    index =
-        NewTextPiece(index + 1, before.end(), tree_.parent(before.node), tree_.next(before.node));
-    InsertUnits(index, before.end(), clean.substr(i, end - i));
+    const bool joins_tail = has_tail && end == clean.size();
+    if (!joins_tail) {
+      NewTextPiece(index + 1, before.end(), tree_.parent(before.node), tree_.next(before.node));
+    }
+    InsertUnits(++index, before.end(), clean.substr(i, end - i));
     i = end;
   }
   if (paragraph_.pieces[head].length == 0) DropPiece(head);
 }
 
-// What follows `at` in the piece becomes a piece of its own.
-void ParagraphEditor::SplitPiece(size_t index, size_t at) {
+// What follows `at` in the piece becomes a piece of its own. False when nothing does.
+bool ParagraphEditor::SplitPiece(size_t index, size_t at) {
   const Piece whole = paragraph_.pieces[index];
-  if (at == whole.end()) return;
+  if (at == whole.end()) return false;
   NewTextPiece(index + 1, at, tree_.parent(whole.node), tree_.next(whole.node));
   paragraph_.pieces[index + 1].length = static_cast<uint32_t>(whole.end() - at);
   paragraph_.pieces[index].length = static_cast<uint32_t>(at - whole.begin);
   paragraph_.pieces[index].changed = true;
+  return true;
 }
 
 void ParagraphEditor::InsertUnits(size_t index, size_t at, StringView units) {

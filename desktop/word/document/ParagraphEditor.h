@@ -33,7 +33,7 @@ class ParagraphEditor {
   NodeId NewRun();
   NodeId FindEmptyRun(NodeId parent) const;
   void InsertTokens(size_t index, size_t at, StringView clean);
-  void SplitPiece(size_t index, size_t at);
+  bool SplitPiece(size_t index, size_t at);
   void InsertUnits(size_t index, size_t at, StringView units);
   size_t InsertCharacter(size_t index, char16_t unit);
 

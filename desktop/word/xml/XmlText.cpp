@@ -129,7 +129,7 @@ std::string DecodeXmlAttribute(std::string_view raw) {
 
 void EncodeXml(StringView text, std::string& xml) {
   std::string utf8 = ToUtf8(text);
-  if (utf8.find_first_of("&<>\"") == std::string::npos) {
+  if (utf8.find_first_of("&<>") == std::string::npos) {
     xml += utf8;
     return;
   }
@@ -143,9 +143,6 @@ void EncodeXml(StringView text, std::string& xml) {
         break;
       case '>':
         xml += "&gt;";
-        break;
-      case '"':
-        xml += "&quot;";
         break;
       default:
         xml += byte;

@@ -16,7 +16,7 @@ void DecodeXml(std::string_view raw, String& text);
 // The value of an attribute as it stands between its quotes. Error 5792 likewise.
 std::string DecodeXmlAttribute(std::string_view raw);
 
-// Appends `text` as UTF-8 with &, <, > and " escaped.
+// Appends `text` as UTF-8 with &, < and > escaped.
 void EncodeXml(StringView text, std::string& xml);
 
 // `text` without what XML forbids: control characters but tab and line ends, lone surrogates,
