@@ -21,7 +21,9 @@ class ScriptedObject final : public DispatchObject {
     } else if (kind == InvokeKind::kCall) {
       line = DescribeCall(line, arguments);
     }
-    return desktop_.Perform(line);
+    const Value answer = desktop_.Perform(line);
+    // An object that nobody scripted reads as an empty text.
+    return member.empty() && answer.IsObject() ? Value(u"") : answer;
   }
   // A collection is walked over "Each" of its path: an array of answers.
   std::unique_ptr<Enumerator> Enumerate() override {
