@@ -25,6 +25,23 @@ std::string_view View(const xmlChar* text) {
   RefuseXml(part, "has a DOCTYPE, which documents may not have");
 }
 
+// By its beginning and what it says of itself; the parser checks every character.
+bool IsUtf8(std::string_view text) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  const size_t first = text.find_first_not_of(" \t\r\n");
+  if (first == std::string_view::npos || text[first] != '<' ||
+      text.find('\0') != std::string_view::npos)
+    return false;
+  if (!text.starts_with("<?xml")) return true;
+  const std::string_view declaration = text.substr(0, text.find("?>"));
+  const size_t encoding = declaration.find("encoding");
+  if (encoding == std::string_view::npos) return true;
+  const size_t quote = declaration.find_first_of("\"'", encoding);
+  if (quote == std::string_view::npos) return true;
+  const std::string_view value = declaration.substr(quote + 1, 5);
+  return value == "UTF-8" || value == "utf-8";
+}
+
 std::string Escaped(std::string_view value) {
   std::string escaped;
   for (const char c : value) {
@@ -59,20 +76,18 @@ class ElementList::Reader {
   void Read() {
     const std::string& text = list_.text_;
     if (text.empty() || text.size() > INT_MAX) RefuseXml(part_, "is empty or too long");
+    if (!IsUtf8(text)) RefuseXml(part_, "is not encoded as UTF-8");
     context_.reset(xmlCreateMemoryParserCtxt(text.data(), static_cast<int>(text.size())));
     if (context_ == nullptr) throw std::bad_alloc();
     *context_->sax = Handler();
     context_->userData = this;
+    // Without a change of encoding the parser stays on our text, and places in it are ours.
     // NOENT only so that "&amp;" arrives decoded; without a DOCTYPE there are no other entities.
-    xmlCtxtUseOptions(context_.get(),
-                      XML_PARSE_NOENT | XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
+    xmlCtxtUseOptions(context_.get(), XML_PARSE_IGNORE_ENC | XML_PARSE_NOENT | XML_PARSE_NONET |
+                                          XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
     const int failed = xmlParseDocument(context_.get());
     if (doctype_) RefuseDoctypeIn(part_);
     if (too_deep_) RefuseXml(part_, "is nested deeper than 256 levels");
-    const xmlParserInput* input = context_->input;
-    if (input != nullptr && input->buf->encoder != nullptr) {
-      RefuseXml(part_, "is not encoded as UTF-8");
-    }
     if (failed != 0 || context_->wellFormed == 0) RefuseXml(part_, "is damaged" + Reason());
     if (!right_root_) RefuseXml(part_, "does not hold " + Quoted(root_));
   }
@@ -104,7 +119,7 @@ class ElementList::Reader {
     xmlStopParser(context_.get());
   }
 
-  // The parser has just read up to here. UTF-8 is parsed as it is, so this is a place of the text.
+  // The parser has just read up to here.
   size_t Position() const {
     const xmlParserInput& input = *context_->input;
     return input.consumed + static_cast<size_t>(input.cur - input.base);
