@@ -9,7 +9,6 @@ namespace kestrelon::desktop::word {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr int32_t kNoDocumentOpen = 4248;
 constexpr int32_t kSaveChanges = -1;
 
 const ParameterNames kSaveAsParameters = {u"FileName",

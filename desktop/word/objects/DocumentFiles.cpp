@@ -16,7 +16,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr size_t kLargestFile = size_t{512} << 20;
-constexpr int32_t kEncrypted = 5408;
 constexpr std::string_view kZipSignature = "PK\x03\x04";
 constexpr std::string_view kCompoundSignature = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
 constexpr std::string_view kRtfSignature = "{\\rtf";
