@@ -28,7 +28,7 @@ void ReplaceInBody(const Object& word, const Object& document, StringView tag, S
                              Named(u"End", selection.GetChild(u"Range").Get(u"End")));
       if (range.Call(u"Information", 12).ToBoolean()) {
         range.Call(u"moveStart", 1, -1);
-        if (ErrorOf([&] { range.Call(u"Delete"); }).number() == 5904) {
+        if (FailureOf([&] { range.Call(u"Delete"); }).number() == 5904) {
           range.Call(u"moveStart", 1, 1);
           range.Call(u"Delete");
         }
@@ -52,8 +52,8 @@ void ReplaceAllIn(const Object& range, StringView tag, StringView value) {
 
 TEST(Letter, ReplacesTagsOfTheBodyBySelectionAndTyping) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"Dear &lt;na", "me", "&gt;, &lt;NAME&gt;!"}) +
-                                        Paragraph({"&lt;gone&gt;&lt;gone&gt;"}));
+  const Object letter =
+      world.NewLetter(P(R("Dear <na"), R("me"), R(">, <NAME>!")) + P(R("<gone><gone>")));
   ReplaceInBody(world.word, letter, u"<name>", u"O'Neill^p & S\u00F6hne");
   ReplaceInBody(world.word, letter, u"<gone>", u"");
   ReplaceInBody(world.word, letter, u"<absent>", u"x");
@@ -62,7 +62,7 @@ TEST(Letter, ReplacesTagsOfTheBodyBySelectionAndTyping) {
 
 TEST(Letter, ABlankValueInACellTakesTheCharacterBeforeItWhereWordAllowsIt) {
   const WordWorld world;
-  const Object letter = world.NewLetter(TableOf({{"a-&lt;x&gt;b", "&lt;x&gt;"}}) + Paragraph({""}));
+  const Object letter = world.NewLetter(Tbl(Tr(C("a-<x>b"), C("<x>"))) + P(R("")));
   ReplaceInBody(world.word, letter, u"<x>", u"");
   const Object table = letter.GetChild(u"Tables", 1);
   EXPECT_EQ(table.CallChild(u"Cell", 1, 1).GetChild(u"Range").Get(u"Text").ToText(), u"ab\r\a");
@@ -71,8 +71,8 @@ TEST(Letter, ABlankValueInACellTakesTheCharacterBeforeItWhereWordAllowsIt) {
 
 TEST(Letter, ReplacesInEveryStoryAndItsTextBoxes) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"&lt;x&gt;"}),
-                                        Paragraph({"to &lt;X&gt;"}) + TextBox("box &lt;x&gt;"));
+  const Object letter =
+      world.NewLetter(P(R("<x>")), P(R("to <X>")) + P(TextBox(P(R("box <x>")), P(R("box <x>")))));
   int stories = 0;
   const auto walk = letter.GetChild(u"StoryRanges").Enumerate();
   while (const auto first = walk->Next()) {
@@ -92,7 +92,7 @@ TEST(Letter, ReplacesInEveryStoryAndItsTextBoxes) {
   EXPECT_EQ(TextOf(letter), u"you\r");
   const String header = letter.GetChild(u"StoryRanges", 7).Get(u"Text").ToText();
   EXPECT_TRUE(header.starts_with(u"to you\r")) << ToUtf8(header);
-  EXPECT_EQ(ErrorOf([&] { letter.GetChild(u"StoryRanges", 6); }).number(), 5941);
+  EXPECT_EQ(FailureOf([&] { letter.GetChild(u"StoryRanges", 6); }).number(), 5941);
 }
 
 struct FindCase {
@@ -121,7 +121,7 @@ TEST(Find, SearchesFromItsRangeAndWrapsOnlyWhenToldTo) {
       {"around from the first match backward", 0, 2, 1, false, false, 6},
   };
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"ab AB ab"}));
+  const Object letter = world.NewLetter(P(R("ab AB ab")));
   for (const FindCase& test : cases) {
     SCOPED_TRACE(test.name);
     const Object range = letter.CallChild(u"Range", test.start, test.end);
@@ -138,7 +138,7 @@ TEST(Find, SearchesFromItsRangeAndWrapsOnlyWhenToldTo) {
 
 TEST(Find, ReplacesOneOrAllWithinItsRange) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"ab ab ab"}));
+  const Object letter = world.NewLetter(P(R("ab ab ab")));
   const Object part = letter.CallChild(u"Range", 3, 8);
   EXPECT_TRUE(part.GetChild(u"Find")
                   .Call(u"Execute", u"ab", Named(u"ReplaceWith", u"<^&>"), Named(u"Replace", kAll))
@@ -154,7 +154,7 @@ TEST(Find, ReplacesOneOrAllWithinItsRange) {
 
 TEST(Find, RefusesWhatItCannotSearchFor) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"text"}));
+  const Object letter = world.NewLetter(P(R("text")));
   const Object find = letter.GetChild(u"Content").GetChild(u"Find");
   const String longest(255, u'x');
   find.Put(u"Text", longest);
@@ -171,7 +171,7 @@ TEST(Find, RefusesWhatItCannotSearchFor) {
       {[&] { find.Call(u"Execute", Named(u"Pattern", u"t")); }, kNamedArgumentNotFound},
       {[&] { find.Get(u"Style"); }, kMemberNotFound},
   };
-  for (const auto& test : cases) EXPECT_EQ(ErrorOf(test.action).number(), test.number);
+  for (const auto& test : cases) EXPECT_EQ(FailureOf(test.action).number(), test.number);
   EXPECT_EQ(find.Get(u"Text").ToText(), u"t");
 }
 

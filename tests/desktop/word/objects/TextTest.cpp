@@ -7,7 +7,7 @@ namespace {
 
 TEST(Range, KeepsItsPlaceWithinTheStory) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"0123456789"}));
+  const Object letter = world.NewLetter(P(R("0123456789")));
   const Object range = letter.CallChild(u"Range", Named(u"end", 5), Named(u"START", 2));
   EXPECT_EQ(range.Get(u"Text").ToText(), u"234");
   EXPECT_EQ(range.Call(u"MoveStart", 1, -9).ToLong(), -2);
@@ -18,16 +18,16 @@ TEST(Range, KeepsItsPlaceWithinTheStory) {
   EXPECT_EQ(range.Get(u"Text").ToText(), u"9\r");
   range.Put(u"End", 3);
   EXPECT_EQ(range.Get(u"Start").ToLong(), 3);
-  EXPECT_EQ(ErrorOf([&] { letter.Call(u"Range", 5, 3); }).number(), 4608);
-  EXPECT_EQ(ErrorOf([&] { letter.Call(u"Range", 0, 12); }).number(), 4608);
-  EXPECT_EQ(ErrorOf([&] { range.Put(u"Start", -1); }).number(), 4608);
-  EXPECT_EQ(ErrorOf([&] { range.Call(u"MoveStart", 5); }).number(), 4120);
-  EXPECT_EQ(ErrorOf([&] { range.Call(u"Information", 3); }).number(), 4120);
+  EXPECT_EQ(FailureOf([&] { letter.Call(u"Range", 5, 3); }).number(), 4608);
+  EXPECT_EQ(FailureOf([&] { letter.Call(u"Range", 0, 12); }).number(), 4608);
+  EXPECT_EQ(FailureOf([&] { range.Put(u"Start", -1); }).number(), 4608);
+  EXPECT_EQ(FailureOf([&] { range.Call(u"MoveStart", 5); }).number(), 4120);
+  EXPECT_EQ(FailureOf([&] { range.Call(u"Information", 3); }).number(), 4120);
 }
 
 TEST(Range, MovesWithTheTextAroundIt) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"one two three"}));
+  const Object letter = world.NewLetter(P(R("one two three")));
   const Object two = letter.CallChild(u"Range", 4, 7);
   letter.CallChild(u"Range", 0, 3).Put(u"Text", u"twenty");
   EXPECT_EQ(two.Get(u"Text").ToText(), u"two");
@@ -38,7 +38,7 @@ TEST(Range, MovesWithTheTextAroundIt) {
 
 TEST(Range, DeletesItselfWhateverTheCountOrSoManyCharactersBeside) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"0123456789"}));
+  const Object letter = world.NewLetter(P(R("0123456789")));
   letter.CallChild(u"Range", 0, 2).Call(u"Delete", Named(u"Count", 0));
   EXPECT_EQ(TextOf(letter), u"23456789\r");
   const Object caret = letter.CallChild(u"Range", 4, 4);
@@ -53,7 +53,7 @@ TEST(Range, DeletesItselfWhateverTheCountOrSoManyCharactersBeside) {
 TEST(Selection, TypesOverWhatIsSelectedAndStandsBehindIt) {
   const WordWorld world;
   EXPECT_TRUE(world.word.GetChild(u"Selection").IsNothing());
-  const Object letter = world.NewLetter(Paragraph({"Dear you"}));
+  const Object letter = world.NewLetter(P(R("Dear you")));
   letter.CallChild(u"Range", 5, 8).Call(u"Select");
   const Object selection = world.word.GetChild(u"Selection");
   EXPECT_EQ(selection.Get(u"Text").ToText(), u"you");
@@ -64,13 +64,13 @@ TEST(Selection, TypesOverWhatIsSelectedAndStandsBehindIt) {
   letter.Call(u"Select");
   selection.Call(u"TypeText", u"x");
   EXPECT_EQ(TextOf(letter), u"x\r");
-  EXPECT_EQ(ErrorOf([&] { selection.Call(u"TypeText"); }).number(), kArgumentNotOptional);
+  EXPECT_EQ(FailureOf([&] { selection.Call(u"TypeText"); }).number(), kArgumentNotOptional);
 }
 
 TEST(Table, IsFilledRowByRow) {
   const WordWorld world;
-  const Object letter = world.NewLetter(
-      Paragraph({"List"}) + TableOf({{"&lt;c_name&gt;", "&lt;c_town&gt;"}}) + Paragraph({"end"}));
+  const Object letter =
+      world.NewLetter(P(R("List")) + Tbl(Tr(C("<c_name>"), C("<c_town>"))) + P(R("end")));
   EXPECT_EQ(letter.GetChild(u"Tables").Get(u"count").ToLong(), 1);
   EXPECT_EQ(letter.CallChild(u"Range", 0, 4).GetChild(u"Tables").Get(u"Count").ToLong(), 0);
   const Object table = letter.GetChild(u"Tables").CallChild(u"item", 1);
@@ -86,36 +86,36 @@ TEST(Table, IsFilledRowByRow) {
   EXPECT_EQ(third.Get(u"Text").ToText(), u"3\r\a");
   EXPECT_TRUE(third.Call(u"Information", 12).ToBoolean());
   EXPECT_EQ(third.Get(u"Text").ToText(), u"3\r\a");
-  EXPECT_EQ(ErrorOf([&] { table.Call(u"Cell", 4, 1); }).number(), 5941);
-  EXPECT_EQ(ErrorOf([&] { letter.GetChild(u"Tables", 2); }).number(), 5941);
+  EXPECT_EQ(FailureOf([&] { table.Call(u"Cell", 4, 1); }).number(), 5941);
+  EXPECT_EQ(FailureOf([&] { letter.GetChild(u"Tables", 2); }).number(), 5941);
   world.word.GetChild(u"ActiveDocument").Call(u"SaveAs", world.Path("list.docx"));
   EXPECT_EQ(world.TextOfFile("list.docx"), TextOf(letter));
 }
 
 TEST(Table, IsGoneWithTheTextThatHeldIt) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"a"}) + TableOf({{"x"}}) + Paragraph({"b"}));
+  const Object letter = world.NewLetter(P(R("a")) + Tbl(Tr(C("x"))) + P(R("b")));
   const Object table = letter.GetChild(u"Tables", 1);
   const Object cell = table.CallChild(u"Cell", 1, 1).GetChild(u"Range");
   letter.CallChild(u"Range", 0, 1).Put(u"Text", u"longer");
   EXPECT_EQ(cell.Get(u"Text").ToText(), u"x\r\a");
   letter.GetChild(u"Content").Call(u"Delete");
   EXPECT_EQ(TextOf(letter), u"\r");
-  EXPECT_EQ(ErrorOf([&] { table.GetChild(u"Rows").Get(u"Count"); }).number(), 5825);
-  EXPECT_EQ(ErrorOf([&] { cell.Put(u"Text", u"y"); }).number(), 5825);
+  EXPECT_EQ(FailureOf([&] { table.GetChild(u"Rows").Get(u"Count"); }).number(), 5825);
+  EXPECT_EQ(FailureOf([&] { cell.Put(u"Text", u"y"); }).number(), 5825);
 }
 
 TEST(Word, RefusesEverythingOnceItHasQuitOrTheDocumentIsClosed) {
   const WordWorld world;
-  const Object first = world.NewLetter(Paragraph({"first"}));
-  const Object second = world.NewLetter(Paragraph({"second"}));
+  const Object first = world.NewLetter(P(R("first")));
+  const Object second = world.NewLetter(P(R("second")));
   const Object documents = world.word.GetChild(u"Documents");
   const Object range = second.GetChild(u"Content");
   EXPECT_EQ(documents.Get(u"Count").ToLong(), 2);
   EXPECT_EQ(documents.GetChild(u"Item", u"document1").Get(u"Name").ToText(), u"Document1");
   second.Call(u"Close");
-  EXPECT_EQ(ErrorOf([&] { second.Get(u"Name"); }).number(), 5825);
-  EXPECT_EQ(ErrorOf([&] { range.Get(u"Text"); }).number(), 5825);
+  EXPECT_EQ(FailureOf([&] { second.Get(u"Name"); }).number(), 5825);
+  EXPECT_EQ(FailureOf([&] { range.Get(u"Text"); }).number(), 5825);
   EXPECT_EQ(world.word.GetChild(u"ActiveDocument").Get(u"Name").ToText(), u"Document1");
   world.word.Call(u"Quit", 0);
   for (const auto& action : std::initializer_list<std::function<void()>>{
@@ -123,13 +123,13 @@ TEST(Word, RefusesEverythingOnceItHasQuitOrTheDocumentIsClosed) {
            [&] { world.word.Get(u"Nonsense"); }, [&] { documents.Get(u"Count"); },
            [&] { documents.Enumerate(); }, [&] { first.Get(u"Name"); },
            [&] { range.Get(u"Text"); }}) {
-    EXPECT_EQ(ErrorOf(action).number(), kServerUnavailable);
+    EXPECT_EQ(FailureOf(action).number(), kServerUnavailable);
   }
 }
 
 TEST(Word, ADocumentOutlivesTheReferenceToItsApplication) {
   WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"text"}));
+  const Object letter = world.NewLetter(P(R("text")));
   world.word.Release();
   EXPECT_EQ(TextOf(letter), u"text\r");
   EXPECT_EQ(letter.GetChild(u"Application").Get(u"Version").ToText(), u"16.0");

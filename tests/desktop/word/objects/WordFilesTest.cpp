@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 TEST(SaveAs, WritesADocumentUnderEveryNameThatIsNotOfAnotherFormat) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"text"}));
+  const Object letter = world.NewLetter(P(R("text")));
   const struct {
     const char* name;
     const char* written;
@@ -31,7 +31,7 @@ TEST(SaveAs, WritesADocumentUnderEveryNameThatIsNotOfAnotherFormat) {
 
 TEST(SaveAs, TakesBothSeparatorsAndReplacesTheFileInOneStep) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"text"}));
+  const Object letter = world.NewLetter(P(R("text")));
   world.Write("old.docx", "old");
   letter.Call(u"SaveAs", ReplaceAll(world.Path("old.docx"), u"/", u"\\"));
   EXPECT_EQ(world.TextOfFile("old.docx"), u"text\r");
@@ -39,7 +39,7 @@ TEST(SaveAs, TakesBothSeparatorsAndReplacesTheFileInOneStep) {
 
 TEST(SaveAs, SaysWhatIsWrongAndLeavesTheDocumentAsItWas) {
   const WordWorld world;
-  const Object letter = world.NewLetter(Paragraph({"text"}));
+  const Object letter = world.NewLetter(P(R("text")));
   letter.GetChild(u"Content").Put(u"Text", u"changed");
   const struct {
     std::function<void()> action;
@@ -58,7 +58,7 @@ TEST(SaveAs, SaysWhatIsWrongAndLeavesTheDocumentAsItWas) {
       {[&] { world.word.Call(u"Quit", -1); }, 4198, u"never saved"},
   };
   for (const auto& test : cases) {
-    const AutomationError error = ErrorOf(test.action);
+    const AutomationError error = FailureOf(test.action);
     EXPECT_EQ(error.number(), test.number);
     EXPECT_NE(error.description().find(test.says), String::npos) << error.what();
   }
@@ -70,7 +70,7 @@ TEST(Close, SavesChangesOnlyWhenToldTo) {
   const WordWorld world;
   for (const int32_t save : {0, -1}) {
     const Object documents = world.word.GetChild(u"Documents");
-    const String path = world.Write("letter.docx", DocumentOf(Paragraph({"old"})));
+    const String path = world.Write("letter.docx", LetterOf(P(R("old"))));
     const Object letter = documents.CallChild(u"Open", path);
     EXPECT_EQ(documents.CallChild(u"Open", path).Get(u"Path").ToText(),
               TextFromPath(PathFromText(path).parent_path()));
@@ -103,17 +103,17 @@ TEST(Open, RefusesWhatItCannotReadNamingTheFile) {
       {u"Add", world.Write("secret.docx", compound), 5408},
   };
   for (const auto& test : cases) {
-    const AutomationError error = ErrorOf([&] { documents.Call(test.method, test.path); });
+    const AutomationError error = FailureOf([&] { documents.Call(test.method, test.path); });
     EXPECT_EQ(error.number(), test.number) << error.what();
     EXPECT_NE(error.description().find(test.path), String::npos) << error.what();
   }
   EXPECT_EQ(documents.Get(u"Count").ToLong(), 0);
-  EXPECT_EQ(ErrorOf([&] { world.word.GetChild(u"ActiveDocument"); }).number(), 4248);
+  EXPECT_EQ(FailureOf([&] { world.word.GetChild(u"ActiveDocument"); }).number(), 4248);
 }
 
 TEST(Open, GoesByTheContentBeforeTheExtension) {
   const WordWorld world;
-  world.Write("really a package.doc", DocumentOf(Paragraph({"text"})));
+  world.Write("really a package.doc", LetterOf(P(R("text"))));
   EXPECT_EQ(world.TextOfFile("really a package.doc"), u"text\r");
 }
 
@@ -155,7 +155,7 @@ class Visible : public ::testing::Test {
 };
 
 TEST_F(Visible, HandsThePrivateCopyOfAnUnsavedDocumentToTheUserOncePerState) {
-  Object letter = world_.NewLetter(Paragraph({"text"}));
+  Object letter = world_.NewLetter(P(R("text")));
   world_.word.Put(u"Visible", true);
   const fs::path copy = opener_.Next();
   EXPECT_EQ(copy.filename(), "Document1.docx");
@@ -174,7 +174,7 @@ TEST_F(Visible, HandsThePrivateCopyOfAnUnsavedDocumentToTheUserOncePerState) {
 }
 
 TEST_F(Visible, HandsTheSavedFileOverWhileItHoldsTheDocument) {
-  const Object letter = world_.NewLetter(Paragraph({"text"}));
+  const Object letter = world_.NewLetter(P(R("text")));
   letter.Call(u"SaveAs", world_.Path("letter.docx"));
   world_.word.Put(u"Visible", true);
   EXPECT_EQ(opener_.Next(), ToUtf8(world_.Path("letter.docx")));
@@ -189,15 +189,15 @@ TEST_F(Visible, OpensNothingWithoutAnOpener) {
   const ChangedEnvironment none("KESTRELON_OPENER", "");
   const ChangedEnvironment no_display("DISPLAY", "");
   const ChangedEnvironment no_wayland("WAYLAND_DISPLAY", "");
-  const Object letter = world_.NewLetter(Paragraph({"text"}));
+  const Object letter = world_.NewLetter(P(R("text")));
   world_.word.Put(u"Visible", true);
   EXPECT_EQ(PrivateFolders(), 0U);
 }
 
 TEST_F(Visible, SaysWhereTheDocumentIsWhenTheOpenerCannotBeStarted) {
   const ChangedEnvironment broken("KESTRELON_OPENER", "/nonexistent/viewer");
-  const Object letter = world_.NewLetter(Paragraph({"text"}));
-  const AutomationError error = ErrorOf([&] { world_.word.Put(u"Visible", true); });
+  const Object letter = world_.NewLetter(P(R("text")));
+  const AutomationError error = FailureOf([&] { world_.word.Put(u"Visible", true); });
   EXPECT_EQ(error.number(), 4198);
   EXPECT_NE(error.description().find(TextFromPath(temporary_.path())), String::npos);
   EXPECT_EQ(PrivateFolders(), 1U);

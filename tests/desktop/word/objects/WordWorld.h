@@ -9,17 +9,31 @@
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
 #include "desktop/word/WordApplication.h"
-#include "tests/desktop/word/objects/SmallDocument.h"
+#include "tests/desktop/word/document/Builders.h"
 
 namespace kestrelon::desktop::word {
 
-inline AutomationError ErrorOf(const std::function<void()>& action) {
+inline AutomationError FailureOf(const std::function<void()>& action) {
   try {
     action();
   } catch (const AutomationError& error) {
     return error;
   }
   return AutomationError(0, u"no error");
+}
+
+// The package of a document with this body and, when it is not "", this primary header.
+inline std::string LetterOf(const std::string& body, const std::string& header = "") {
+  if (header.empty()) return Packed(Main(body));
+  const std::string reference = "<w:headerReference w:type=\"default\" r:id=\"rId1\"/>";
+  const std::string part =
+      "<w:hdr xmlns:w=\"" + std::string(kWordUri) +
+      "\" xmlns:mc=\"http://schemas.openxmlformats.org/markup-compatibility/2006\""
+      " xmlns:wps=\"urn:wps\">" +
+      header + "</w:hdr>";
+  return Packed(Main(body + Element("sectPr", reference)),
+                {{"/letter/header.xml", "/header", part,
+                  "application/vnd.openxmlformats-officedocument.wordprocessingml.header+xml"}});
 }
 
 class WordWorld {
@@ -36,7 +50,7 @@ class WordWorld {
   // A new document in `word` on a template with this body and header.
   Object NewLetter(const std::string& body, const std::string& header = "") const {
     return word.GetChild(u"Documents")
-        .CallChild(u"Add", Write("template.docx", DocumentOf(body, header)));
+        .CallChild(u"Add", Write("template.docx", LetterOf(body, header)));
   }
   // The main text of a saved file, as another Word reads it.
   String TextOfFile(const std::string& name) const {
