@@ -86,11 +86,8 @@ int Run(int argc, char** argv) {
   return CallMember(desktop.platform(), request, std::cout, std::cerr);
 }
 
-}  // namespace
-}  // namespace kestrelon::commandline
-
-int main(int argc, char** argv) {
-  using namespace kestrelon::commandline;
+// The one last catch.
+int Main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const BadCommandLine& error) {
@@ -101,3 +98,8 @@ int main(int argc, char** argv) {
     return kInternalError;
   }
 }
+
+}  // namespace
+}  // namespace kestrelon::commandline
+
+int main(int argc, char** argv) { return kestrelon::commandline::Main(argc, argv); }

@@ -20,10 +20,9 @@
 #include "desktop/converter/WorkerProtocol.h"
 #include "desktop/converter/worker/Office.h"
 
-namespace {
-
+namespace kestrelon::desktop {
 namespace fs = std::filesystem;
-using namespace kestrelon::desktop;
+namespace {
 
 bool IsCallSound(int count, char** arguments) {
   struct stat status {};
@@ -65,9 +64,7 @@ void WaitForTheEnd(pid_t office, const sigset_t& signals) {
   }
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
+int Supervise(int count, char** arguments) {
   if (!IsCallSound(count, arguments)) {
     std::fprintf(stderr, "kestrelon-converter is started by Kestrelon, not by hand\n");
     return 2;
@@ -95,3 +92,8 @@ int main(int count, char** arguments) {
   fs::remove_all(arguments[2], ignored);
   return 0;
 }
+
+}  // namespace
+}  // namespace kestrelon::desktop
+
+int main(int count, char** arguments) { return kestrelon::desktop::Supervise(count, arguments); }
