@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -125,7 +126,10 @@ Member Describe(StringView name, uint32_t dispid, Result (*function)(ControlCont
   using namespace interface_detail;
   using Indices = std::index_sequence_for<Args...>;
   const std::vector<ParameterType> types = {TypeOf<Args>()...};
-  for (size_t i = 0; i < types.size(); ++i) parameters.at(i).type = types[i];
+  if (parameters.size() != types.size()) {
+    throw std::logic_error(ToUtf8(name) + ": names and parameters of the function do not match");
+  }
+  for (size_t i = 0; i < types.size(); ++i) parameters[i].type = types[i];
   const auto invoke = [function, parameters](ControlContext& context, std::vector<Value>& values) {
     if (values.size() != sizeof...(Args)) throw AutomationError(kWrongNumberOfArguments);
     std::tuple<Args...> cells = ReceiveAll<Args...>(parameters, values, Indices());

@@ -5,16 +5,15 @@
 namespace kestrelon {
 namespace {
 
-constexpr size_t kSchemeLength = 7;  // "http://"
+constexpr int64_t kSchemeLength = 7;  // "http://"
 
 String HostOf(const String& address) {
   // The count is a 16-bit one.
-  if (address.size() > std::numeric_limits<int16_t>::max() + kSchemeLength) {
-    throw AutomationError(kOverflow);
-  }
+  const int64_t count = static_cast<int64_t>(address.size()) - kSchemeLength;
+  if (count > std::numeric_limits<int16_t>::max()) throw AutomationError(kOverflow);
   // NOTE: seven characters are dropped whatever they are, so "https://host/" leaves "/host/" and
   // with it the empty name. Pages rely on nothing else being stored for a secure site.
-  const String rest = Right(address, static_cast<int64_t>(address.size()) - 7);
+  const String rest = Right(address, count);
   const size_t slash = rest.find(u'/');
   return Left(rest, slash == String::npos ? -1 : static_cast<int64_t>(slash));
 }

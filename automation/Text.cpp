@@ -74,15 +74,16 @@ struct AlternatingRange {
   char16_t last;
   int upper_parity;
 };
-constexpr std::array<AlternatingRange, 9> kAlternating = {{{0x0100, 0x012F, 0},
-                                                           {0x0132, 0x0137, 0},
-                                                           {0x0139, 0x0148, 1},
-                                                           {0x014A, 0x0177, 0},
-                                                           {0x0179, 0x017E, 1},
-                                                           {0x0218, 0x021B, 0},
-                                                           {0x0460, 0x0481, 0},
-                                                           {0x048A, 0x04BF, 0},
-                                                           {0x1E00, 0x1EFF, 0}}};
+constexpr std::array<AlternatingRange, 10> kAlternating = {{{0x0100, 0x012F, 0},
+                                                            {0x0132, 0x0137, 0},
+                                                            {0x0139, 0x0148, 1},
+                                                            {0x014A, 0x0177, 0},
+                                                            {0x0179, 0x017E, 1},
+                                                            {0x0218, 0x021B, 0},
+                                                            {0x0460, 0x0481, 0},
+                                                            {0x048A, 0x04BF, 0},
+                                                            {0x1E00, 0x1E95, 0},
+                                                            {0x1EA0, 0x1EFF, 0}}};
 
 // Ranges of upper case letters whose lower case letters lie at a fixed distance.
 struct ShiftedRange {
@@ -90,15 +91,17 @@ struct ShiftedRange {
   char16_t last;
   char16_t distance;
 };
-constexpr std::array<ShiftedRange, 9> kShifted = {{{u'A', u'Z', 32},
-                                                   {0x00C0, 0x00D6, 32},
-                                                   {0x00D8, 0x00DE, 32},
-                                                   {0x0386, 0x0386, 38},
-                                                   {0x0388, 0x038A, 37},
-                                                   {0x0391, 0x03A1, 32},
-                                                   {0x03A3, 0x03AB, 32},
-                                                   {0x0400, 0x040F, 80},
-                                                   {0x0410, 0x042F, 32}}};
+constexpr std::array<ShiftedRange, 11> kShifted = {{{u'A', u'Z', 32},
+                                                    {0x00C0, 0x00D6, 32},
+                                                    {0x00D8, 0x00DE, 32},
+                                                    {0x0386, 0x0386, 38},
+                                                    {0x0388, 0x038A, 37},
+                                                    {0x038C, 0x038C, 64},
+                                                    {0x038E, 0x038F, 63},
+                                                    {0x0391, 0x03A1, 32},
+                                                    {0x03A3, 0x03AB, 32},
+                                                    {0x0400, 0x040F, 80},
+                                                    {0x0410, 0x042F, 32}}};
 
 }  // namespace
 

@@ -22,8 +22,8 @@ String FromAnsi(std::string_view text);
 // ANSI code of one character (0..255); 63, the code of "?", when it has none.
 int AnsiCode(char16_t character);
 
-// Case folding by the simple one-to-one mappings of Latin, Greek and Cyrillic letters, independent
-// of the user's locale.
+// Case folding by the simple one-to-one mappings of the letters of European languages (Latin up to
+// Extended-A and Extended Additional, Greek, Cyrillic), independent of the user's locale.
 char16_t LowerCase(char16_t character);
 char16_t UpperCase(char16_t character);
 String LowerCase(StringView text);

@@ -36,7 +36,7 @@ class TracingObject final : public DispatchObject {
   Value Invoke(InvokeKind kind, StringView member, const Arguments& arguments) override {
     std::string line = member.empty() ? path_ : path_ + "." + ToUtf8(member);
     if (kind == InvokeKind::kPut) {
-      line += " = " + (arguments.positional.empty() ? "" : Describe(arguments.positional.back()));
+      line = DescribePut(line, arguments);
     } else if (kind == InvokeKind::kCall || !arguments.positional.empty() ||
                !arguments.named.empty()) {
       line = DescribeCall(line, arguments);
@@ -59,6 +59,17 @@ class TracingObject final : public DispatchObject {
   String TypeName() const override { return object_->TypeName(); }
   DispatchPointer Wrapped() const override { return object_; }
   const std::string& path() const { return path_; }
+
+  // "path = value"; index arguments, which stand before the value, as those of a call.
+  static std::string DescribePut(std::string line, Arguments arguments) {
+    if (arguments.positional.empty()) return line;
+    const Value value = arguments.positional.back();
+    arguments.positional.pop_back();
+    if (!arguments.positional.empty() || !arguments.named.empty()) {
+      line = DescribeCall(line, arguments);
+    }
+    return line + " = " + Describe(value);
+  }
 
   static std::string Describe(const Value& value) {
     if (value.IsString()) return QuoteText(value.AsString());
@@ -100,11 +111,16 @@ class TracingEnumerator final : public Enumerator {
   TracingEnumerator(std::unique_ptr<Enumerator> walk, std::string path, TraceSink sink)
       : walk_(std::move(walk)), path_(std::move(path)), sink_(std::move(sink)) {}
   std::optional<Value> Next() override {
-    std::optional<Value> element = walk_->Next();
-    if (!element || !element->IsObject() || element->AsObject() == nullptr) return element;
     const std::string path = path_ + ".Each(" + std::to_string(++count_) + ")";
-    sink_(path);
-    return TraceObject(element->ToObject(), path, sink_);
+    try {
+      std::optional<Value> element = walk_->Next();
+      if (!element || !element->IsObject() || element->AsObject() == nullptr) return element;
+      sink_(path);
+      return TraceObject(element->ToObject(), path, sink_);
+    } catch (const AutomationError& error) {
+      sink_(path + DescribeFailure(error));
+      throw;
+    }
   }
 
  private:
@@ -115,7 +131,12 @@ class TracingEnumerator final : public Enumerator {
 };
 
 std::unique_ptr<Enumerator> TracingObject::Enumerate() {
-  return std::make_unique<TracingEnumerator>(object_->Enumerate(), path_, sink_);
+  try {
+    return std::make_unique<TracingEnumerator>(object_->Enumerate(), path_, sink_);
+  } catch (const AutomationError& error) {
+    sink_(path_ + ".Each" + DescribeFailure(error));
+    throw;
+  }
 }
 
 }  // namespace

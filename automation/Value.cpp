@@ -14,8 +14,7 @@ namespace {
 String FormatDouble(double number) {
   char buffer[40];
   std::snprintf(buffer, sizeof buffer, "%.15G", number);
-  std::string text = buffer;
-  return FromUtf8(text);
+  return FromUtf8(buffer);
 }
 
 std::optional<double> ParseNumber(StringView text) {

@@ -1,5 +1,7 @@
 #include "documents/Letters.h"
 
+#include <limits>
+
 #include "Control/ErrorReporting.h"
 #include "Control/LocaleAndEnvironment.h"
 #include "documents/LetterMail.h"
@@ -45,6 +47,8 @@ bool ReplaceAllTags(ControlContext& context, const Object& document, const Objec
   const auto replace = [&] {
     const int32_t last = context.state.tag_table.UpperBound();
     for (int32_t i = 0; i <= last; ++i) {
+      // The index is a 16-bit one.
+      if (i > std::numeric_limits<int16_t>::max()) throw AutomationError(kOverflow);
       step = u"'" + context.state.tag_table.Tags[static_cast<size_t>(i)] + u"'";
       ReplaceOneTag(context, document, word, static_cast<int16_t>(i), replace_in_header);
     }
@@ -157,12 +161,8 @@ void CreateSeminarLetterXML(ControlContext& context, XmlDocument& xmlDoc, String
   String header;
   Object word;
   Object document;
-  const auto report_word = Report(context, u"Error starting word - ");
-  if (!StartWord(context, word, report_word)) return;
-  if (template_.empty()) {
-    Attempt([&] { ShowMessage(context, kNoTemplate, kExclamation); }, report_word);
-    return;
-  }
+  if (!StartWord(context, word, Report(context, u"Error starting word - "))) return;
+  if (template_.empty()) return ShowMessage(context, kNoTemplate, kExclamation);
   if (!OpenTemplate(word, template_, document,
                     Report(context, u"Error opening template doc '" + template_ + u"' - "))) {
     return;

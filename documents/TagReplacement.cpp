@@ -9,14 +9,12 @@ namespace {
 // Beyond the body a value travels as replacement text, which Word limits.
 constexpr size_t kReplacementLimit = 255;
 
-bool IsTrue(const Value& value) { return value.ToBoolean(); }
-
 // Takes the selected tag out of the document.
 void DeleteSelectedTag(const Object& target, const Object& selection) {
   const Object range =
       target.CallChild(u"Range", Named(u"Start", selection.GetChild(u"Range").Get(u"Start")),
                        Named(u"End", selection.GetChild(u"Range").Get(u"End")));
-  if (!IsTrue(range.Call(u"Information", wdWithInTable))) {
+  if (!range.Call(u"Information", wdWithInTable).ToBoolean()) {
     range.Call(u"Delete", Named(u"count", 0));
     return;
   }
@@ -40,7 +38,7 @@ bool ReplaceNextInBody(const Object& target, const Object& wordApp, const String
   find.Put(u"wrap", wdFindContinue);
   find.Put(u"text", tag);
   find.Call(u"Execute");
-  if (!IsTrue(find.Get(u"Found"))) return false;
+  if (!find.Get(u"Found").ToBoolean()) return false;
   if (Trim(value).empty()) {
     DeleteSelectedTag(target, selection);
   } else {
@@ -69,7 +67,8 @@ void ReplaceInShapes(const Object& story, const String& tag, const String& value
   while (const std::optional<Value> shape = walk->Next()) {
     IgnoreFailures([&] {
       const Object frame = shape->ToObject().GetChild(u"TextFrame");
-      if (IsTrue(frame.Get(u"HasText"))) ReplaceInRange(frame.GetChild(u"TextRange"), tag, value);
+      if (frame.Get(u"HasText").ToBoolean())
+        ReplaceInRange(frame.GetChild(u"TextRange"), tag, value);
     });
   }
 }
@@ -93,8 +92,10 @@ void ReplaceOneTag(ControlContext& context, const Object& target, const Object& 
                    int16_t index, const String& replaceInHeader) {
   target.Call(u"Select");
   const auto replace = [&] {
-    const String& tag = context.state.tag_table.Tags.at(static_cast<size_t>(index));
-    const String& value = context.state.tag_table.TagReplacements.at(static_cast<size_t>(index));
+    const TagTable& table = context.state.tag_table;
+    if (index < 0 || index > table.UpperBound()) throw AutomationError(kSubscriptOutOfRange);
+    const String& tag = table.Tags[static_cast<size_t>(index)];
+    const String& value = table.TagReplacements[static_cast<size_t>(index)];
     if (tag.empty()) return;
     while (ReplaceNextInBody(target, wordApp, tag, value)) {
     }

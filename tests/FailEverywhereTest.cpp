@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <set>
 
 #include "Control/KestrelonControl.h"
 #include "desktop/storage/AtomicFile.h"
@@ -35,17 +37,11 @@ auto Fixed(std::vector<Value> values) {
   return [values](const LetterWorld&, FailurePlan&) { return values; };
 }
 
+// The members that reach an automation server.
 const MemberCase kCases[] = {
-    {u"ServerName", 0, Fixed({u"http://a/b"})},
-    {u"GetVersion", 0, Fixed({})},
-    {u"CleanUpOutlook", 0, Fixed({})},
     {u"CreateExcelApp", 1, Fixed({})},
-    {u"dateFormatOrder", 0, Fixed({})},
-    {u"currencyFormat", 0, Fixed({})},
     {u"CheckForOutlook", 1, Fixed({})},
     {u"CheckForWord", 1, Fixed({})},
-    {u"CreateMessage", 0, Fixed({u"text", 64, u"title"})},
-    {u"CreateContactLetter", 0, Fixed({Value::Null{}, u"a.dotx"})},
     {u"CreateLetterXML", 100,
      [](const LetterWorld& world, FailurePlan& plan) {
        return std::vector<Value>{Document(world.letter_xml, plan),
@@ -66,6 +62,23 @@ const MemberCase kCases[] = {
                                  u"true"};
      }},
 };
+// Those that reach none.
+const std::set<StringView> kSelfContained = {
+    u"ServerName",     u"GetVersion",    u"CleanUpOutlook",     u"dateFormatOrder",
+    u"currencyFormat", u"CreateMessage", u"CreateContactLetter"};
+
+TEST(FailEverywhereCases, CoverEveryMemberThatIsBuilt) {
+  std::set<StringView> covered = kSelfContained;
+  for (const MemberCase& example : kCases) covered.insert(example.member);
+  testing::ScriptedDesktop desktop;
+  KestrelonControl control(desktop);
+  for (const Member& member : InterfaceTable()) {
+    if (covered.count(member.name) != 0) continue;
+    std::vector<Value> values(member.parameters.size(), Value());
+    const auto error = IgnoreFailures([&] { control.Invoke(member, values); });
+    EXPECT_TRUE(error && error->number() == kNotImplemented) << ToUtf8(member.name);
+  }
+}
 
 class FailEverywhere : public ::testing::TestWithParam<MemberCase> {};
 
@@ -74,13 +87,18 @@ TEST_P(FailEverywhere, NothingEscapesAndNothingIsHalfWritten) {
   LetterWorld world;
   const std::string previous = "what was saved before";
   int failures = 0;
+  int silent = 0;
   for (int n = 1;; ++n) {
     FailurePlan plan{n};
     FailingDesktop desktop(world.platform, plan);
     KestrelonControl control(desktop);
     desktop::WriteFileAtomically(world.saved_path, previous);
     std::vector<Value> values = GetParam().arguments(world, plan);
+    world.messages.clear();
     EXPECT_NO_THROW(control.Invoke(member, values)) << "call " << n;
+    const bool is_letter = member.result == ParameterType::kNone;
+    silent += is_letter && plan.reached() && world.messages.empty() ? 1 : 0;
+    EXPECT_TRUE(plan.reached() || world.messages.empty()) << "call " << n;
     // The file is the old one or a whole new one, and nothing else lies there.
     const std::string now = desktop::ReadWholeFile(world.saved_path);
     EXPECT_TRUE(now == previous || testing::IsWholePackage(now)) << "call " << n;
@@ -90,13 +108,17 @@ TEST_P(FailEverywhere, NothingEscapesAndNothingIsHalfWritten) {
     ASSERT_LT(n, 5000) << "does not end";
   }
   EXPECT_GE(failures, GetParam().least_calls);
+  // A letter tells of every failure but those of looking for text boxes in headers.
+  EXPECT_LE(silent, failures / 4);
 }
 
 INSTANTIATE_TEST_SUITE_P(Members, FailEverywhere, ::testing::ValuesIn(kCases),
                          [](const auto& info) { return ToUtf8(info.param.member); });
 
 // Mails need conversions that take their time, so these run on the scripted desktop.
-TEST(FailEverywhereInMail, EveryFailureIsToldOnceAndTheReferencesStayAsDocumented) {
+bool EndsInDisplay(const std::string& line) { return line.ends_with(".display()"); }
+
+TEST(FailEverywhereInMail, EveryFailureIsToldOnce) {
   for (const char16_t* mode : {u"HTML", u"attach"}) {
     for (int n = 1;; ++n) {
       testing::ScriptedDesktop desktop;
@@ -111,13 +133,11 @@ TEST(FailEverywhereInMail, EveryFailureIsToldOnceAndTheReferencesStayAsDocumente
                                    u"",
                                    u"subject"};
       EXPECT_NO_THROW(control.Invoke(*FindMember(u"CreateLetterXML"), values)) << n;
-      const bool reached = static_cast<int>(desktop.log.size()) >= n;
-      // Deleting the temporary file is the one thing whose failure is not told.
-      const bool told = reached && desktop.log.back().find("FileSystemObject") == std::string::npos;
-      if (told) {
-        EXPECT_EQ(desktop.messages.size(), 1U) << n << " " << desktop.log.back();
-      }
-      if (!reached) break;
+      if (static_cast<int>(desktop.log.size()) < n) break;
+      // Only the removal of the temporary file, after the mail is shown, fails silently.
+      const auto failed = desktop.log.begin() + n - 1;
+      const bool shown = std::any_of(desktop.log.begin(), failed, EndsInDisplay);
+      EXPECT_EQ(desktop.messages.size(), shown ? 0U : 1U) << *failed;
     }
   }
 }

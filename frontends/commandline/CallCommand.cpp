@@ -81,8 +81,8 @@ std::vector<Value> ReadArguments(const Member& member, const CallRequest& reques
 }
 
 std::string PrintableResult(const Value& result) {
-  if (result.IsEmpty() || result.IsNull()) return "";
-  if (result.IsObject()) return ToJson(result).dump() + "\n";
+  if (result.IsObject() && result.AsObject() != nullptr) return ToJson(result).dump() + "\n";
+  if (result.IsEmpty() || result.IsNull() || result.IsObject()) return "";
   return ToUtf8(result.ToText()) + "\n";
 }
 

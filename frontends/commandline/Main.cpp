@@ -21,6 +21,7 @@ namespace {
 class Desktop {
  public:
   Desktop(MessageBoxHandler show, const std::string& trace_path) : linux_(std::move(show)) {
+    // Opened for every command, so that a wrong path is told by each.
     if (trace_path.empty()) return;
     file_.open(trace_path, std::ios::trunc);
     if (!file_) throw BadCommandLine("cannot write the trace file " + trace_path);
@@ -64,7 +65,7 @@ int Run(int argc, char** argv) {
   members->add_flag("--json", json, "As a JSON array");
 
   CallRequest request;
-  CLI::App* call = app.add_subcommand("call", "Call one member on a fresh control");
+  CLI::App* const call = app.add_subcommand("call", "Call one member on a fresh control");
   call->add_option("MEMBER", request.member, "Name of the member")->required();
   call->add_option(
       "NAME=VALUE", request.arguments,
@@ -78,10 +79,9 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kSuccess : kBadCommandLine;
   }
-  if (members->parsed()) return PrintMembers(std::cout, json);
   if (session->parsed()) return RunSession(trace_path);
-  if (!call->parsed()) return kBadCommandLine;
   Desktop desktop(ShowMessageOnTerminal, trace_path);
+  if (members->parsed()) return PrintMembers(std::cout, json);
   request.trace = desktop.trace();
   return CallMember(desktop.platform(), request, std::cout, std::cerr);
 }

@@ -10,13 +10,19 @@ using Json = nlohmann::ordered_json;
 namespace {
 
 constexpr int32_t kOkButton = 1;
+constexpr int32_t kNoButton = 7;  // the last one there is
+constexpr int kDeepestRequest = 64;
 
 AutomationError BadRequest(const std::string& what) {
   return AutomationError(kInvalidProcedureCall, FromUtf8("Bad request: " + what));
 }
 
 Json ReadRequest(std::string_view line) {
-  Json request = Json::parse(line, nullptr, false);
+  const auto refuse_deep = [](int depth, Json::parse_event_t /*event*/, Json& /*parsed*/) {
+    if (depth > kDeepestRequest) throw BadRequest("it nests too deep");
+    return true;
+  };
+  Json request = Json::parse(line, refuse_deep, false);
   if (request.is_discarded()) throw BadRequest("the line is no JSON");
   if (!request.is_object()) throw BadRequest("the line is no JSON object");
   for (const auto& [key, value] : request.items()) {
@@ -45,11 +51,13 @@ const Member& RequireMember(const std::string& name) {
 std::vector<int32_t> ReadAnswers(const Json& request) {
   std::vector<int32_t> answers;
   if (!request.contains("answers")) return answers;
-  const AutomationError refusal = BadRequest("\"answers\" must be an array of button numbers");
+  const AutomationError refusal =
+      BadRequest("\"answers\" must be an array of button numbers, 1 (OK) to 7 (No)");
   if (!request["answers"].is_array()) throw refusal;
   for (const Json& button : request["answers"]) {
-    if (!button.is_number_integer()) throw refusal;
-    answers.push_back(button.get<int32_t>());
+    const int64_t number = button.is_number_integer() ? button.get<int64_t>() : 0;
+    if (number < kOkButton || number > kNoButton) throw refusal;
+    answers.push_back(static_cast<int32_t>(number));
   }
   return answers;
 }

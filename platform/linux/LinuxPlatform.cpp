@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <ctime>
@@ -88,7 +89,10 @@ int32_t LinuxPlatform::GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* b
 }
 
 uint32_t LinuxPlatform::GetTempPathAnsi(uint32_t size, char* buffer) {
-  std::string path = ToAnsi(FromUtf8(desktop::TempFolder().string()));
+  const String folder = FromUtf8(desktop::TempFolder().string());
+  std::string path = ToAnsi(folder);
+  // A path that ANSI text cannot name would lead nowhere.
+  if (FromAnsi(path) != folder) path = "/tmp";
   if (!path.ends_with('/')) path += '/';
   const auto length = static_cast<uint32_t>(path.size());
   if (length >= size) return length + 1;

@@ -1,7 +1,8 @@
 // The control's desktop on Linux: the automation servers of desktop/, and the system's services.
 //
 // The locale is that of the environment (LC_ALL, LC_TIME, LC_MONETARY, LANG). Texts of ANSI calls
-// are Windows-1252; characters that it lacks become "?".
+// are Windows-1252; characters that it lacks become "?", and a temporary folder whose name has
+// one gives way to /tmp.
 #pragma once
 
 #include <functional>

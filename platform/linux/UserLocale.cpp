@@ -3,6 +3,8 @@
 #include <langinfo.h>
 #include <locale.h>
 
+#include <cstring>
+#include <cwchar>
 #include <memory>
 #include <type_traits>
 
@@ -14,11 +16,22 @@ struct LocaleCloser {
 };
 using OwnedLocale = std::unique_ptr<std::remove_pointer_t<locale_t>, LocaleCloser>;
 
-// The locale of the environment; the plain "C" one where that is not installed.
-OwnedLocale UserLocale() {
-  locale_t locale = newlocale(LC_ALL_MASK, "", nullptr);
-  if (locale == nullptr) locale = newlocale(LC_ALL_MASK, "C", nullptr);
-  return OwnedLocale(locale);
+// The locale of the environment; nothing where it is not installed.
+OwnedLocale UserLocale() { return OwnedLocale(newlocale(LC_ALL_MASK, "", nullptr)); }
+
+// A text in the encoding of the locale in use.
+String FromLocale(const char* text) {
+  String out;
+  std::mbstate_t state{};
+  for (size_t left = std::strlen(text); left > 0;) {
+    wchar_t character = 0;
+    const size_t length = std::mbrtowc(&character, text, left, &state);
+    if (length == 0 || length > left) break;
+    out += static_cast<char16_t>(character);
+    text += length;
+    left -= length;
+  }
+  return out;
 }
 
 }  // namespace
@@ -54,17 +67,18 @@ std::string OrderOfDateFormat(const std::string& format) {
 
 std::string ShortDateOrder() {
   const OwnedLocale locale = UserLocale();
-  return OrderOfDateFormat(nl_langinfo_l(D_FMT, locale.get()));
+  return locale ? OrderOfDateFormat(nl_langinfo_l(D_FMT, locale.get())) : "1";
 }
 
 String CurrencySymbol() {
   const OwnedLocale locale = UserLocale();
+  if (!locale) return {};
   const locale_t previous = uselocale(locale.get());
   const lconv* conventions = localeconv();
-  const std::string symbol = conventions->currency_symbol;
-  const std::string code = conventions->int_curr_symbol;
+  const String symbol = FromLocale(conventions->currency_symbol);
+  const String code = FromLocale(conventions->int_curr_symbol);
   uselocale(previous);
-  return Trim(FromUtf8(symbol.empty() ? code : symbol));
+  return Trim(symbol.empty() ? code : symbol);
 }
 
 }  // namespace kestrelon

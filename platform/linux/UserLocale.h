@@ -7,10 +7,12 @@
 
 namespace kestrelon {
 
-// "0" month-day-year, "1" day-month-year, "2" year-month-day.
+// "0" month-day-year, "1" day-month-year, "2" year-month-day; "1" when the user's locale is not
+// installed.
 std::string ShortDateOrder();
 
-// The currency symbol, the three-letter code where a locale has no symbol, "" where it has neither.
+// The currency symbol, the three-letter code where the locale has no symbol, "" where it has
+// neither or is not installed.
 String CurrencySymbol();
 
 // The order of a date format of strftime ("%d/%m/%y").

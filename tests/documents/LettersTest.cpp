@@ -78,9 +78,11 @@ TEST_F(Letters, PdfPathIsExportedAndOnlySavedWhereThatFails) {
   Letter();
   EXPECT_EQ(AfterTags(), (Lines{export_call, kDocument + ".SaveAs(\"/out/a.PDF\")",
                                 "Word.Application.Visible = True"}));
-  ASSERT_EQ(desktop.messages.size(), 1U);
-  EXPECT_EQ(desktop.messages[0].flags, 64);
-  EXPECT_EQ(desktop.messages[0].title, u"Kestrelon");
+  EXPECT_THAT(desktop.messages,
+              ::testing::ElementsAre(ShownMessage{
+                  u"Unable to export to PDF.  PDF Export requires Word 2007 or above with "
+                  u"Microsoft's free 'Save as PDF' add-in",
+                  64, u"Kestrelon"}));
 }
 
 TEST_F(Letters, MailAttachesADocumentUnlessTheModeIsExactlyHtml) {
@@ -220,6 +222,27 @@ TEST_F(Letters, SeminarReportsEachStageInItsOwnWords) {
         << failure.call;
     EXPECT_EQ(desktop.log.back() == "Word.Application.Visible = True", failure.shows_word);
   }
+}
+
+TEST_F(Letters, FailingAttachmentIsToldWithItsStep) {
+  address = u"a@b";
+  mode = u"attach";
+  desktop.Fail("Outlook.Application.CreateItem(0).Attachments", AutomationError(1234, u"Boom"));
+  Letter();
+  EXPECT_THAT(desktop.messages,
+              ::testing::ElementsAre(ShownMessage{
+                  u"An error occurred running Outlook at step 2: Adding attachments. Check that "
+                  u"outlook is installed and can be run.Boom",
+                  0, std::nullopt}));
+}
+
+TEST_F(Letters, TagTableOverSixteenBitsIsAnOverflow) {
+  std::string children;
+  for (int i = 0; i < 32768; ++i) children += "<x/>";
+  XmlDocument xml(desktop::ParseXmlDocument("<Data>" + children + "<Data/></Data>").pointer());
+  CreateLetterXML(context, xml, template_path, address, mode, save_path, in_header, subject);
+  ASSERT_EQ(desktop.messages.size(), 1U);
+  EXPECT_TRUE(desktop.messages[0].text.ends_with(u"replace. '' Overflow"));
 }
 
 TEST_F(Letters, SeminarReportsARecordThatIsNone) {
