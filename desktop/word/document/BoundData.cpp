@@ -109,10 +109,12 @@ bool SetValue(xmlDoc* document, const Binding& binding, const std::string& value
   xmlSetStructuredErrorFunc(nullptr, nullptr);
   if (found == nullptr || xmlXPathNodeSetIsEmpty(found->nodesetval)) return false;
   xmlNode* const node = found->nodesetval->nodeTab[0];
-  const bool is_attribute = node->type == XML_ATTRIBUTE_NODE;
+  if (node->type == XML_ATTRIBUTE_NODE) {
+    xmlSetNsProp(node->parent, node->ns, node->name, Xml(value));
+    return true;
+  }
   const bool is_text = node->type == XML_TEXT_NODE;
-  const bool is_leaf = node->type == XML_ELEMENT_NODE && !HasElements(node);
-  if (!is_attribute && !is_text && !is_leaf) return false;
+  if (!is_text && (node->type != XML_ELEMENT_NODE || HasElements(node))) return false;
   xmlNodeSetContent(node, nullptr);
   xmlNodeAddContent(node, Xml(value));
   return true;

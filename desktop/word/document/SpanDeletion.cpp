@@ -98,34 +98,35 @@ void SpanDeletion::Execute() {
     MergeInto(*survivor, ends_within ? std::min(last_.offset + 1, last.text.size()) : 0);
     return;
   }
-  // Nothing behind the span can take up what is left of the first paragraph.
-  size_t begin = first_.index;
-  if (IsDirect(first)) {
+  // A table follows, which cannot take up what is left of the first paragraph.
+  const bool keeps_first = IsDirect(first) && (first_.offset > 0 || FollowsTable());
+  if (keeps_first) {
     ParagraphEditor(story_, first).Replace(first_.offset, first.text.size(), {});
     MoveAnchors(first, first_.offset);
-    ++begin;
   } else {
     MoveAnchors(story_.At(last_.index + 1), 0);
   }
-  RemoveItems(begin, last_.index + 1);
+  RemoveItems(first_.index + keeps_first, last_.index + 1);
+}
+
+bool SpanDeletion::FollowsTable() const {
+  if (first_.index == 0) return false;
+  const Paragraph& before = story_.At(first_.index - 1);
+  return before.mark == Mark::kRow && before.cell == common_;
 }
 
 // The paragraph whose mark ends what is left: the last one when its mark stays, else the one behind
-// it. A table there cannot: then the last paragraph keeps its mark, unless nothing is left of it
-// and the table does not follow upon another.
+// it. A table there cannot be it: then the last paragraph keeps its mark, unless nothing is left to
+// be ended and no other table precedes. nullptr when there is none.
 Paragraph* SpanDeletion::FindSurvivor() {
   Paragraph& last = story_.At(last_.index);
   const bool is_direct = IsDirect(last);
   if (is_direct && last_.offset < last.text.size()) return &last;
   Paragraph& behind = story_.At(last_.index + 1);
   if (IsDirect(behind) && behind.flow == last.flow) return &behind;
-  const bool first_is_empty = IsDirect(story_.At(first_.index)) && first_.offset == 0;
-  const bool follows_table = first_.index > 0 && story_.At(first_.index - 1).mark == Mark::kRow;
-  if (is_direct && first_is_empty && !follows_table && first_.index > 0 &&
-      IsDirect(story_.At(first_.index - 1))) {
-    return nullptr;
-  }
-  return is_direct ? &last : nullptr;
+  const bool leaves_nothing =
+      (first_.offset == 0 || !IsDirect(story_.At(first_.index))) && !FollowsTable();
+  return is_direct && !leaves_nothing ? &last : nullptr;
 }
 
 void SpanDeletion::MergeInto(Paragraph& survivor, size_t cut) {

@@ -22,6 +22,7 @@ class SpanDeletion {
   Table* TableInCommonCell(const Paragraph& paragraph) const;
   // The paragraph stands in the common cell itself, not in a table there.
   bool IsDirect(const Paragraph& paragraph) const;
+  bool FollowsTable() const;
   Paragraph* FindSurvivor();
   void MergeInto(Paragraph& survivor, size_t cut);
   void MoveText(Paragraph& from, Paragraph& to);

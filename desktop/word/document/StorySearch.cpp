@@ -153,14 +153,14 @@ int32_t StoryText::ReplaceAllAcross(const FindPattern& pattern, StringView repla
   int32_t from = 0;
   while (const std::optional<Span> match = Find(pattern, {from, length_}, true)) {
     const int32_t before = length_;
-    const std::optional<AutomationError> refused = IgnoreFailures([&] {
-      const String clean = CleanText(ExpandReplacement(replacement, Text(*match)));
-      from = ReplaceHere(*match, clean).end;
-    });
-    // Nor does it help to try again where nothing could be taken away.
-    const bool is_done = !refused && length_ != before;
-    if (!is_done) from = std::max(from, match->end);
-    count += is_done;
+    const Paragraph& last = At(Locate(match->end - 1).index);
+    const bool may_go = !last.is_last || match->end < StartOf(last) + last.length();
+    if (may_go && !IgnoreFailures([&] {
+          ReplaceHere(*match, CleanText(ExpandReplacement(replacement, Text(*match))));
+        })) {
+      ++count;
+    }
+    from = match->end + length_ - before;
   }
   return count;
 }
