@@ -162,14 +162,20 @@ std::vector<Story*> Document::FirstStories() {
     self.all_read = true;
   }
   std::vector<Story*> first;
-  for (const auto& [type, chain] : self.chains) first.push_back(chain.front());
+  for (auto& [type, chain] : self.chains) {
+    // A text box goes with the picture that holds it.
+    std::erase_if(chain, [](const Story* story) { return !story->text_->IsPresent(); });
+    if (!chain.empty()) first.push_back(chain.front());
+  }
   return first;
 }
 
 Story* Document::NextStory(const Story& story) {
   const auto& chain = self_->chains[story.type()];
-  const auto found = std::find(chain.begin(), chain.end(), &story);
-  return found == chain.end() || found + 1 == chain.end() ? nullptr : *(found + 1);
+  auto next = std::find(chain.begin(), chain.end(), &story);
+  if (next != chain.end()) ++next;
+  while (next != chain.end() && !(*next)->text_->IsPresent()) ++next;
+  return next == chain.end() ? nullptr : *next;
 }
 
 std::string Document::Save(DocumentKind kind) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "desktop/word/document/StoryReader.h"
 #include "desktop/word/xml/XmlText.h"
 
 namespace kestrelon::desktop::word {
@@ -63,15 +64,21 @@ std::vector<NodeId> ParagraphEditor::WholeFields(size_t from, size_t to) const {
   return whole;
 }
 
-// New text stands where the first visible character of the span does.
+// New text stands where the first visible character of the span does, or behind the field code that
+// the span begins in.
 size_t ParagraphEditor::InsertionPoint(size_t from, size_t to) const {
   if (!paragraph_.has_fields) return from;
+  size_t at = from;
+  bool in_code = false;
   for (const Piece& piece : paragraph_.pieces) {
-    if (!IsField(piece.kind) && piece.end() > from && piece.begin < to) {
-      return std::max<size_t>(from, piece.begin);
+    if (!IsField(piece.kind)) {
+      if (piece.end() > from && piece.begin < to) return std::max<size_t>(from, piece.begin);
+      continue;
     }
+    if ((in_code && at == piece.begin) || (at > piece.begin && at < piece.end())) at = piece.end();
+    in_code = piece.kind == PieceKind::kFieldBegin || piece.kind == PieceKind::kFieldCode;
   }
-  return from;
+  return at;
 }
 
 // The text piece that takes new text at `at`: that of the first character of the span, for an
@@ -116,7 +123,7 @@ size_t ParagraphEditor::NewTextPiece(size_t index, size_t at, NodeId parent, Nod
 size_t ParagraphEditor::PieceInNewRun(size_t index, size_t at) {
   const NodeId paragraph = EnsureParagraph();
   if (paragraph_.pieces.empty()) {
-    NodeId run = FindEmptyRun(paragraph);
+    NodeId run = FirstRun(tree_, paragraph);
     if (run == kNoNode) {
       run = NewRun();
       tree_.Insert(paragraph, kNoNode, run);
@@ -160,17 +167,6 @@ NodeId ParagraphEditor::NewRun() {
   }
   tree_.Insert(run, kNoNode, formatting);
   return run;
-}
-
-NodeId ParagraphEditor::FindEmptyRun(NodeId parent) const {
-  for (NodeId child = tree_.first_child(parent); child != kNoNode; child = tree_.next(child)) {
-    const Name name = tree_.name(child);
-    if (name == Name::kRun) return child;
-    if (name == Name::kDeleted || name == Name::kMovedFrom) continue;
-    const NodeId inside = FindEmptyRun(child);
-    if (inside != kNoNode) return inside;
-  }
-  return kNoNode;
 }
 
 // Text up to the first break or tab joins the piece, the rest gets nodes of its own behind it.

@@ -31,7 +31,6 @@ class ParagraphEditor {
   size_t NewTextPiece(size_t index, size_t at, NodeId parent, NodeId next);
   size_t PieceInNewRun(size_t index, size_t at);
   NodeId NewRun();
-  NodeId FindEmptyRun(NodeId parent) const;
   void InsertTokens(size_t index, size_t at, StringView clean);
   bool SplitPiece(size_t index, size_t at);
   void InsertUnits(size_t index, size_t at, StringView units);

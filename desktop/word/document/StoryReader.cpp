@@ -34,6 +34,16 @@ bool IsTransparent(Name name) {
 
 }  // namespace
 
+NodeId FirstRun(const XmlTree& tree, NodeId parent) {
+  for (NodeId child = tree.first_child(parent); child != kNoNode; child = tree.next(child)) {
+    const Name name = tree.name(child);
+    if (name == Name::kRun) return child;
+    const NodeId inside = IsTransparent(name) ? FirstRun(tree, child) : kNoNode;
+    if (inside != kNoNode) return inside;
+  }
+  return kNoNode;
+}
+
 void StoryReader::ReadContainer(NodeId container) {
   container_ = container;
   ReadBlocks(container);

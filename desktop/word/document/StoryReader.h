@@ -14,6 +14,9 @@
 
 namespace kestrelon::desktop::word {
 
+// The first run of a paragraph, or of what it holds; kNoNode when there is none.
+NodeId FirstRun(const XmlTree& tree, NodeId parent);
+
 class StoryReader {
  public:
   StoryReader(const XmlTree& tree, StoryContent& content) : tree_(tree), content_(content) {}

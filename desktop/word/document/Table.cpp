@@ -1,22 +1,11 @@
 #include "desktop/word/document/Table.h"
 
-#include "desktop/word/document/ParagraphEditor.h"
+#include "desktop/word/document/StoryReader.h"
 #include "desktop/word/document/StoryText.h"
 #include "desktop/word/document/WordErrors.h"
 
 namespace kestrelon::desktop::word {
 namespace {
-
-// The first run below `parent`; kNoNode when there is none.
-NodeId FirstRun(const XmlTree& tree, NodeId parent) {
-  for (NodeId child = tree.first_child(parent); child != kNoNode; child = tree.next(child)) {
-    if (tree.name(child) == Name::kRun) return child;
-    if (tree.name(child) == Name::kDeleted || tree.name(child) == Name::kMovedFrom) continue;
-    const NodeId inside = FirstRun(tree, child);
-    if (inside != kNoNode) return inside;
-  }
-  return kNoNode;
-}
 
 NodeId FirstBelow(const XmlTree& tree, NodeId parent, Name name) {
   for (NodeId child = tree.first_child(parent); child != kNoNode; child = tree.next(child)) {

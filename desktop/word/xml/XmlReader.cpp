@@ -1,5 +1,6 @@
 #include "desktop/word/xml/XmlReader.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -215,6 +216,7 @@ void XmlReader::SkipBlanks() {
 }
 
 bool XmlReader::ReadAttributes() {
+  attributes_.clear();
   while (true) {
     const size_t before = at_;
     SkipBlanks();
@@ -235,6 +237,10 @@ bool XmlReader::ReadAttributes() {
 
 void XmlReader::ReadAttribute() {
   const std::string_view name = ReadName();
+  if (std::find(attributes_.begin(), attributes_.end(), name) != attributes_.end()) {
+    Fail("has an attribute twice");
+  }
+  attributes_.push_back(name);
   SkipBlanks();
   if (at_ == text_.size() || text_[at_] != '=') Fail("has an attribute without a value");
   ++at_;

@@ -50,6 +50,7 @@ class XmlReader {
   NodeId root_ = kNoNode;
   size_t leaf_depth_ = 0;  // of the leaf that is open; 0 for none
   std::vector<std::string_view> open_names_;
+  std::vector<std::string_view> attributes_;  // of the tag that is being read
   std::vector<Binding> bindings_;
   std::string_view last_prefix_;
   Namespace last_namespace_ = Namespace::kOther;

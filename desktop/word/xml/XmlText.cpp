@@ -1,5 +1,6 @@
 #include "desktop/word/xml/XmlText.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "desktop/word/package/PackageError.h"
@@ -47,7 +48,7 @@ uint32_t NumberedCode(std::string_view digits) {
   uint32_t code = 0;
   const auto [end, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), code, hex ? 16 : 10);
-  const bool good = error == std::errc() && end == digits.data() + digits.size() && code != 0 &&
+  const bool good = error == std::errc() && end == digits.data() + digits.size() && code >= 0x09 &&
                     code <= 0x10FFFF && (code >> 11) != 0x1B;
   if (!good) RefuseText("a character reference to no character");
   return code;
@@ -59,7 +60,7 @@ size_t DecodeReference(std::string_view raw, String& text) {
   if (end == std::string_view::npos) RefuseText("an unfinished reference");
   const std::string_view name = raw.substr(1, end - 1);
   if (name.starts_with('#')) {
-    AppendCodePoint(NumberedCode(name.substr(1)), text);
+    AppendCodePoint(std::max<uint32_t>(NumberedCode(name.substr(1)), ' '), text);
   } else if (name == "amp") {
     text += u'&';
   } else if (name == "lt") {

@@ -28,10 +28,9 @@ std::string Escaped(const std::string& text) {
 
 std::string TextBox(const std::string& modern, const std::string& fallback) {
   return Rx("<mc:AlternateContent><mc:Choice Requires=\"wps\"><w:drawing><wps:txbx>" +
-             Element("txbxContent", modern) +
-             "</wps:txbx></w:drawing></mc:Choice><mc:Fallback><w:pict>" +
-             Element("txbxContent", fallback) +
-             "</w:pict></mc:Fallback></mc:AlternateContent>");
+            Element("txbxContent", modern) +
+            "</wps:txbx></w:drawing></mc:Choice><mc:Fallback><w:pict>" +
+            Element("txbxContent", fallback) + "</w:pict></mc:Fallback></mc:AlternateContent>");
 }
 
 std::string Main(const std::string& blocks, const std::string& uri) {
@@ -58,8 +57,8 @@ std::string Packed(const std::string& main, const std::vector<SidePart>& parts,
   std::string related;
   std::vector<TestEntry> entries;
   for (size_t i = 0; i < parts.size(); ++i) {
-    types += "<Override PartName=\"" + parts[i].name + "\" ContentType=\"" +
-             parts[i].content_type + "\"/>";
+    types += "<Override PartName=\"" + parts[i].name + "\" ContentType=\"" + parts[i].content_type +
+             "\"/>";
     related += RelationshipTo(i + 1, parts[i].relationship, parts[i].name);
     entries.push_back({parts[i].name.substr(1), parts[i].content});
   }

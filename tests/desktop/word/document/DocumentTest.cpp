@@ -17,7 +17,8 @@ std::string Root(const std::string& name, const std::string& content) {
 
 std::string Section(const std::string& references) { return Element("sectPr", references); }
 std::string Reference(const std::string& kind, const std::string& type, int id) {
-  return "<w:" + kind + "Reference w:type=\"" + type + "\" r:id=\"rId" + std::to_string(id) + "\"/>";
+  return "<w:" + kind + "Reference w:type=\"" + type + "\" r:id=\"rId" + std::to_string(id) +
+         "\"/>";
 }
 
 std::vector<String> Chain(Document& document, StoryType type) {
@@ -48,8 +49,9 @@ TEST(Stories, AreLinkedBySection) {
        {"/x/comments.xml", "/comments", Root("comments", "")}});
   std::vector<StoryType> types;
   for (const Story* story : document->FirstStories()) types.push_back(story->type());
-  EXPECT_THAT(types, ElementsAre(StoryType::kMain, StoryType::kFootnotes, StoryType::kEvenPagesHeader,
-                                 StoryType::kPrimaryHeader, StoryType::kFirstPageFooter));
+  EXPECT_THAT(types,
+              ElementsAre(StoryType::kMain, StoryType::kFootnotes, StoryType::kEvenPagesHeader,
+                          StoryType::kPrimaryHeader, StoryType::kFirstPageFooter));
   EXPECT_THAT(Chain(*document, StoryType::kPrimaryHeader), ElementsAre(u"one\r", u"three\r"));
   EXPECT_THAT(Chain(*document, StoryType::kFootnotes), ElementsAre(u"<n>\rb\r"));
   Story& notes = *document->FirstStories()[1];
@@ -59,14 +61,14 @@ TEST(Stories, AreLinkedBySection) {
   even.Replace({0, 0}, u"e");
   const std::string saved = document->Save(DocumentKind::kDocx);
   EXPECT_THAT(PartOf(saved, "/x/notes.xml"), HasSubstr("<w:t>Ann</w:t>"));
-  EXPECT_THAT(PartOf(saved, "/x/four.xml"), HasSubstr("<w:p><w:r><w:t>e</w:t></w:r></w:p></w:hdr>"));
+  EXPECT_THAT(PartOf(saved, "/x/four.xml"),
+              HasSubstr("<w:p><w:r><w:t>e</w:t></w:r></w:p></w:hdr>"));
 }
 
 TEST(Stories, TextBoxesFillBothCopies) {
-  const auto document =
-      Open(P(TextBox(P(R("<a"), R(">")) + P(R("x")), P(R("<a>")) + P(R("x")))) +
-           P(TextBox(P(R("1<a>")), P(R("<a> only")))) + P(Rx("<w:pict><v>" +
-           Element("txbxContent", P()) + "</v></w:pict>")));
+  const auto document = Open(P(TextBox(P(R("<a"), R(">")) + P(R("x")), P(R("<a>")) + P(R("x")))) +
+                             P(TextBox(P(R("1<a>")), P(R("<a> only")))) +
+                             P(Rx("<w:pict><v>" + Element("txbxContent", P()) + "</v></w:pict>")));
   Story& main = document->Main();
   ASSERT_EQ(main.TextBoxCount(), 3);
   EXPECT_EQ(main.TextBoxAt(3)->Length(), 1);
@@ -130,17 +132,18 @@ TEST(Save, BoundControlsKeepTheirNewText) {
   const std::string found =
       "<w:dataBinding w:prefixMappings=\"xmlns:k='urn:k'\" w:xpath=\"/k:a[1]/k:b[1]\" "
       "w:storeItemID=\"{abc}\"/>";
-  const std::string attribute = "<w:dataBinding w:prefixMappings=\"xmlns:k='urn:k'\" "
-                                "w:xpath=\"/k:a/@q\" w:storeItemID=\"{ABC}\"/>";
+  const std::string attribute =
+      "<w:dataBinding w:prefixMappings=\"xmlns:k='urn:k'\" "
+      "w:xpath=\"/k:a/@q\" w:storeItemID=\"{ABC}\"/>";
   const std::string lost = "<w:dataBinding w:xpath=\"/none\" w:storeItemID=\"{ABC}\"/>";
   const std::string elsewhere = "<w:dataBinding w:xpath=\"/a\" w:storeItemID=\"{OTHER}\"/>";
   const std::string broken = "<w:dataBinding w:xpath=\"/k:a[\" w:storeItemID=\"{ABC}\"/>";
   const std::string blocks = control(found, R("x <n> y")) + control(attribute, R("<n>\t&")) +
                              control(lost, R("<n>")) + control(elsewhere, R("<n>")) +
                              control(broken, R("<n>")) + control(lost, R("untouched"));
-  std::string package =
-      Packed(Main(blocks), {{"/x/data.xml", "/customXml", "<k:a xmlns:k=\"urn:k\" q=\"1\"><k:b>old</k:b>"
-                                                          "<k:c>kept</k:c></k:a>"}});
+  std::string package = Packed(Main(blocks), {{"/x/data.xml", "/customXml",
+                                               "<k:a xmlns:k=\"urn:k\" q=\"1\"><k:b>old</k:b>"
+                                               "<k:c>kept</k:c></k:a>"}});
   auto open = Package::Open(package);
   open->Add("/x/props.xml", "application/xml", "<p:i xmlns:p=\"urn:p\" p:itemID=\"{Abc}\"/>");
   open->AddRelationship("/x/data.xml", "http://r/customXmlProps", "/x/props.xml");
@@ -172,8 +175,8 @@ TEST(Open, RefusesWhatIsNoDocument) {
   for (const std::string& bytes : cases) {
     EXPECT_EQ(ErrorOf([&] { Document::Open(bytes); }), 5792);
   }
-  const auto document = Open(P() + Section(Reference("header", "default", 1)),
-                             {{"/x/h.xml", "/header", "<broken"}});
+  const auto document =
+      Open(P() + Section(Reference("header", "default", 1)), {{"/x/h.xml", "/header", "<broken"}});
   EXPECT_EQ(ErrorOf([&] { document->FirstStories(); }), 5792);
   EXPECT_EQ(ErrorOf([&] { document->FirstStories(); }), 5792);
   document->Main().Replace({0, 0}, u"x");

@@ -75,9 +75,7 @@ World MakeWorld(Chance& chance) {
   return world;
 }
 
-String TextAsModel(const Story& story) {
-  return ReplaceAll(TextOf(story), u"\r\a", u"\a");
-}
+String TextAsModel(const Story& story) { return ReplaceAll(TextOf(story), u"\r\a", u"\a"); }
 
 Span RandomSpan(Chance& chance, const String& text) {
   const int start = chance.Below(static_cast<int>(text.size()));
@@ -92,9 +90,10 @@ String RandomText(Chance& chance) {
 }
 
 void CheckFind(Chance& chance, Story& story, const String& text) {
-  const String needle = std::vector<String>{u"<", u"a", u"ab", u"b>", u"x<", u"<>"}[chance.Below(6)];
-  const Span within = chance.OneIn(2) ? Span{0, static_cast<int>(text.size())}
-                                      : RandomSpan(chance, text);
+  const String needle =
+      std::vector<String>{u"<", u"a", u"ab", u"b>", u"x<", u"<>"}[chance.Below(6)];
+  const Span within =
+      chance.OneIn(2) ? Span{0, static_cast<int>(text.size())} : RandomSpan(chance, text);
   const bool forward = !chance.OneIn(4);
   const StringView window = StringView(text).substr(0, static_cast<size_t>(within.end));
   size_t at = window.find(needle, static_cast<size_t>(within.start));

@@ -69,7 +69,9 @@ TEST(Story, DeletesOverMarks) {
   const std::string table = Tbl(Tr(C("n"), C("m")));  // n \a m \a \a
   const std::string wide = Element("tc", P(R("a")) + P(R("b")));
   const DeleteCase cases[] = {
-      {P(left, R("ab")) + P(right, R("cd")), {1, 4}, P(right, Rx("<w:t>a</w:t>"), Rx("<w:t>d</w:t>"))},
+      {P(left, R("ab")) + P(right, R("cd")),
+       {1, 4},
+       P(right, Rx("<w:t>a</w:t>"), Rx("<w:t>d</w:t>"))},
       {P(left, R("ab")) + P(right, R("cd")), {0, 3}, P(right, R("cd"))},
       {P(left, R("ab")) + P(right, R("cd")), {2, 3}, P(right, R("ab"), R("cd"))},
       {P(R("a"), mark) + P(R("b"), mark) + P(R("c")), {0, 4}, P(mark, mark, R("c"))},
@@ -83,7 +85,9 @@ TEST(Story, DeletesOverMarks) {
       {P(R("a")) + table + P(R("z")), {2, 7}, P(R("a")) + P(R("z"))},
       {P(R("a")) + table + P(R("z")), {0, 7}, P(R("z"))},
       {P(R("a")) + table + P(R("zy")), {1, 8}, P(R("a"), Rx("<w:t>y</w:t>"))},
-      {P(R("a")) + table + P(R("z")), {2, 4}, P(R("a")) + Tbl(Tr(Element("tc", P()), C("m"))) + P(R("z"))},
+      {P(R("a")) + table + P(R("z")),
+       {2, 4},
+       P(R("a")) + Tbl(Tr(Element("tc", P()), C("m"))) + P(R("z"))},
       // The mark before a table stays; an empty paragraph may go.
       {P(R("a")) + table + P(R("z")), {1, 2}, P(R("a")) + table + P(R("z"))},
       {P(R("q")) + P() + table + P(), {2, 3}, P(R("q")) + table + P()},
@@ -149,7 +153,8 @@ TEST(Story, FindsPatterns) {
     std::vector<Span> matches;  // one after the other, forward
   };
   //                           0123456 7  8 910 11 12
-  const auto document = Open(P(R("aB1  \xE2\x80\x99^"), Rx("<w:tab/>"), R("b\xC3\x84")) + P(R("x")) + P());
+  const auto document =
+      Open(P(R("aB1  \xE2\x80\x99^"), Rx("<w:tab/>"), R("b\xC3\x84")) + P(R("x")) + P());
   Story& main = document->Main();
   const Case cases[] = {
       {u"b", {{1, 2}, {8, 9}}},
@@ -194,13 +199,16 @@ TEST(Story, ReplacesAllWithCodes) {
   EXPECT_EQ(TextOf(main), u"a[<x>\t\v^\u2014A^q]b[<X>\t\v^\u2014A^q]\r[<x>\t\v^\u2014A^q]\r");
   EXPECT_EQ(main.ReplaceAll(FindPattern(u"^p", false), u"|"), 1);
   EXPECT_EQ(main.ReplaceAll(FindPattern(u"none", false), u""), 0);
-  EXPECT_EQ(ErrorOf([&] { main.ReplaceAll(FindPattern(u"none", false), String(256, u'a')); }), 5854);
+  EXPECT_EQ(ErrorOf([&] { main.ReplaceAll(FindPattern(u"none", false), String(256, u'a')); }),
+            5854);
 }
 
 TEST(Table, GivesCellsAndTheirText) {
-  const std::string merged = Element("tc", "<w:tcPr><w:gridSpan w:val=\"2\"/></w:tcPr>" + P(R("c")));
-  const auto document =
-      Open(P() + Tbl(Tr(C("a"), Element("tc", P(R("b")) + Tbl(Tr(C("n"))) + P(R("e")))), Tr(merged)) + P());
+  const std::string merged =
+      Element("tc", "<w:tcPr><w:gridSpan w:val=\"2\"/></w:tcPr>" + P(R("c")));
+  const auto document = Open(
+      P() + Tbl(Tr(C("a"), Element("tc", P(R("b")) + Tbl(Tr(C("n"))) + P(R("e")))), Tr(merged)) +
+      P());
   Story& main = document->Main();
   ASSERT_EQ(main.TableCount(), 1);
   Table& table = *main.TableAt(1);
@@ -225,11 +233,14 @@ TEST(Table, GivesCellsAndTheirText) {
 }
 
 TEST(Table, AddsRowsLikeTheLastOne) {
-  const std::string cell = "<w:tc><w:tcPr><w:tcW w:w=\"9\"/></w:tcPr><w:p w14:paraId=\"1\" w:rsidR=\"2\">"
-                           "<w:pPr><w:jc/></w:pPr>" +
-                           R("<a_b>", "<w:b/>") + R("c") + "</w:p>" + P(R("more")) + "</w:tc>";
-  const std::string row = "<w:tr w14:paraId=\"3\" w:rsidR=\"4\"><w:tblPrEx/><w:trPr><w:cantSplit/><w:tblHeader/>"
-                          "</w:trPr>" + cell + Element("sdt", Element("sdtContent", "<w:tc/>")) + "</w:tr>";
+  const std::string cell =
+      "<w:tc><w:tcPr><w:tcW w:w=\"9\"/></w:tcPr><w:p w14:paraId=\"1\" w:rsidR=\"2\">"
+      "<w:pPr><w:jc/></w:pPr>" +
+      R("<a_b>", "<w:b/>") + R("c") + "</w:p>" + P(R("more")) + "</w:tc>";
+  const std::string row =
+      "<w:tr w14:paraId=\"3\" w:rsidR=\"4\"><w:tblPrEx/><w:trPr><w:cantSplit/><w:tblHeader/>"
+      "</w:trPr>" +
+      cell + Element("sdt", Element("sdtContent", "<w:tc/>")) + "</w:tr>";
   const auto document = Open("<w:tbl><w:tblPr/><w:tblGrid/>" + row + "</w:tbl>" + P(R("z")));
   Story& main = document->Main();
   Table& table = *main.TableAt(1);
@@ -240,14 +251,15 @@ TEST(Table, AddsRowsLikeTheLastOne) {
   EXPECT_EQ(main.Text(behind.span()), u"z\r");
   table.CellAt(3, 1)->SetText(u"v");
   table.CellAt(3, 2)->SetText(u"w");
-  const std::string start = "<w:tr w:rsidR=\"4\"><w:tblPrEx/><w:trPr><w:cantSplit/></w:trPr><w:tc><w:tcPr>"
-                            "<w:tcW w:w=\"9\"/></w:tcPr><w:p w:rsidR=\"2\"><w:pPr><w:jc/></w:pPr><w:r>"
-                            "<w:rPr><w:b/></w:rPr>";
-  EXPECT_EQ(SavedBody(*document),
-            "<w:tbl><w:tblPr/><w:tblGrid/>" + row + start +
-                "</w:r></w:p></w:tc><w:tc><w:p></w:p></w:tc></w:tr>" + start +
-                "<w:t>v</w:t></w:r></w:p></w:tc><w:tc><w:p><w:r><w:t>w</w:t></w:r></w:p></w:tc></w:tr></w:tbl>" +
-                P(R("z")));
+  const std::string start =
+      "<w:tr w:rsidR=\"4\"><w:tblPrEx/><w:trPr><w:cantSplit/></w:trPr><w:tc><w:tcPr>"
+      "<w:tcW w:w=\"9\"/></w:tcPr><w:p w:rsidR=\"2\"><w:pPr><w:jc/></w:pPr><w:r>"
+      "<w:rPr><w:b/></w:rPr>";
+  EXPECT_EQ(SavedBody(*document), "<w:tbl><w:tblPr/><w:tblGrid/>" + row + start +
+                                      "</w:r></w:p></w:tc><w:tc><w:p></w:p></w:tc></w:tr>" + start +
+                                      "<w:t>v</w:t></w:r></w:p></w:tc><w:tc><w:p><w:r><w:t>w</"
+                                      "w:t></w:r></w:p></w:tc></w:tr></w:tbl>" +
+                                      P(R("z")));
 }
 
 }  // namespace

@@ -15,7 +15,8 @@ struct SplitCase {
 std::string Bold(const std::string& text) { return R(text, "<w:b/>"); }
 
 const std::string kMark = "<w:proofErr w:type=\"spellStart\"/>";
-const std::string kBookmark = "<w:bookmarkStart w:id=\"1\" w:name=\"x\"/><w:bookmarkEnd w:id=\"1\"/>";
+const std::string kBookmark =
+    "<w:bookmarkStart w:id=\"1\" w:name=\"x\"/><w:bookmarkEnd w:id=\"1\"/>";
 const std::string kSeparator = Field("separate");
 
 std::string T(const std::string& text) { return Rx("<w:t>" + Escaped(text) + "</w:t>"); }
@@ -43,30 +44,29 @@ const SplitCase kSplits[] = {
      P(R("<"), Element("del w:id=\"1\"", Rx("<w:delText>zz</w:delText>")), R("n>")),
      P(T("Ann"), "<w:del w:id=\"1\"><w:r><w:delText>zz</w:delText></w:r></w:del>")},
     {"content control keeps a run",
-     P(R("<"), Element("sdt", "<w:sdtPr><w:showingPlcHdr/></w:sdtPr>" +
-                                  Element("sdtContent", R("n"))),
+     P(R("<"),
+       Element("sdt", "<w:sdtPr><w:showingPlcHdr/></w:sdtPr>" + Element("sdtContent", R("n"))),
        R(">")),
      P(T("Ann"), "<w:sdt><w:sdtPr></w:sdtPr><w:sdtContent><w:r></w:r></w:sdtContent></w:sdt>")},
     {"smart tag, custom XML, simple field",
      P(Element("smartTag", R("<")), Element("customXml", R("n")), Element("fldSimple", R(">"))),
-     P("<w:smartTag>" + T("Ann") + "</w:smartTag><w:customXml></w:customXml><w:fldSimple>"
+     P("<w:smartTag>" + T("Ann") +
+       "</w:smartTag><w:customXml></w:customXml><w:fldSimple>"
        "</w:fldSimple>")},
     {"inside a field's result",
      P(Field("begin"), Code("MERGEFIELD n"), kSeparator, R("<n>"), Field("end")),
      P(Field("begin"), Code("MERGEFIELD n"), kSeparator, T("Ann"), Field("end"))},
-    {"a whole field within", P(R("<"), Field("begin"), Code("X"), kSeparator, R("n"), Field("end"),
-                               R(">")),
-     P(T("Ann"))},
+    {"a whole field within",
+     P(R("<"), Field("begin"), Code("X"), kSeparator, R("n"), Field("end"), R(">")), P(T("Ann"))},
     {"half a field stays",
      P(R("<"), Field("begin"), Code("X"), kSeparator, R("n>"), R("z"), Field("end")),
      P(T("Ann"), Field("begin"), Code("X"), kSeparator, R("z"), Field("end"))},
-    {"alternative branches", P("<mc:AlternateContent><mc:Choice Requires=\"q\">" + R("<n>") +
-                               "</mc:Choice><mc:Fallback>" + Bold("<n>") +
-                               "</mc:Fallback></mc:AlternateContent>"),
+    {"alternative branches",
+     P("<mc:AlternateContent><mc:Choice Requires=\"q\">" + R("<n>") + "</mc:Choice><mc:Fallback>" +
+       Bold("<n>") + "</mc:Fallback></mc:AlternateContent>"),
      P("<mc:AlternateContent><mc:Choice Requires=\"q\">" + T("Ann") + "</mc:Choice><mc:Fallback>" +
        T("Ann") + "</mc:Fallback></mc:AlternateContent>")},
-    {"references and CDATA",
-     P(Rx("<w:t>&#60;<![CDATA[n>]]> &amp; caf\xC3\xA9</w:t>")),
+    {"references and CDATA", P(Rx("<w:t>&#60;<![CDATA[n>]]> &amp; caf\xC3\xA9</w:t>")),
      P(Rx("<w:t>Ann &amp; caf\xC3\xA9</w:t>"))},
     {"pretty-printed", P("\n  ", Rx("\n <w:t>x<!-- c -->&lt;n></w:t>\n"), "\n"),
      P("\n  ", Rx("\n <w:t>xAnn</w:t>\n"), "\n")},
@@ -112,8 +112,9 @@ struct ValueCase {
 
 TEST(Tag, ValueBecomesBreaksTabsAndAllowedCharacters) {
   const ValueCase cases[] = {
-      {u"a\r\nb\nc\rd\ve", "<w:t>xa</w:t><w:br/><w:t>b</w:t><w:br/><w:t>c</w:t><w:br/><w:t>d</w:t>"
-                           "<w:br/><w:t>ey</w:t>"},
+      {u"a\r\nb\nc\rd\ve",
+       "<w:t>xa</w:t><w:br/><w:t>b</w:t><w:br/><w:t>c</w:t><w:br/><w:t>d</w:t>"
+       "<w:br/><w:t>ey</w:t>"},
       {u"a\tb", "<w:t>xa</w:t><w:tab/><w:t>by</w:t>"},
       {u"\n", "<w:t>x</w:t><w:br/><w:t>y</w:t>"},
       {u" & <\u00A3>\"", "<w:t>x &amp; &lt;\xC2\xA3&gt;\"y</w:t>"},

@@ -1,10 +1,9 @@
 // The tree over the bytes of a part: what it refuses, and what it leaves as it was.
-#include "desktop/word/xml/XmlTree.h"
-
 #include <gmock/gmock.h>
 
 #include "automation/AutomationError.h"
 #include "desktop/word/xml/XmlText.h"
+#include "desktop/word/xml/XmlTree.h"
 
 namespace kestrelon::desktop::word {
 namespace {
@@ -45,6 +44,7 @@ TEST(XmlTree, RefusesWhatIsNotWellFormed) {
       {"<a x='1/>", "unfinished attribute"},
       {"<a x='<'/>", "\"<\" in an attribute"},
       {"<a x='1'y='2'/>", "nothing separates"},
+      {"<a x='1' x='2'/>", "an attribute twice"},
       {"<a/ >", "broken tag"},
       {"< a/>", "without a name"},
       {"<a><!-- -- --></a>", "broken comment"},
@@ -55,15 +55,18 @@ TEST(XmlTree, RefusesWhatIsNotWellFormed) {
       {"<?xml version='1.0' encoding='iso-8859-1'?><a/>", "encoding"},
       {Nested(257), "deeper than 256"},
       {Nested(256), "none"},
-      {"<?xml version='1.0' encoding='UTF-8'?>\r\n<a b = \"1'2\" c='\"' ><?p?> &amp; </a >\n<!---->", "none"},
+      {"<?xml version='1.0' encoding='UTF-8'?>\r\n<a b = \"1'2\" c='\"' ><?p?> &amp; </a "
+       ">\n<!---->",
+       "none"},
   };
   for (const auto& [xml, what] : cases) EXPECT_THAT(Refusal(xml), testing::HasSubstr(what)) << xml;
 }
 
 TEST(XmlTree, WritesBackWhatItRead) {
-  const std::string xml = "\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<w:body xmlns:w='" + std::string(kUri) +
-                          "'> <w:p  a = '1'><!-- <x> --><w:r><w:rPr ><w:b/></w:rPr><w:t>a</w:t ></w:r >"
-                          "</w:p>\t<q:z xmlns:q=''/><?pi x?></w:body> ";
+  const std::string xml =
+      "\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<w:body xmlns:w='" + std::string(kUri) +
+      "'> <w:p  a = '1'><!-- <x> --><w:r><w:rPr ><w:b/></w:rPr><w:t>a</w:t ></w:r >"
+      "</w:p>\t<q:z xmlns:q=''/><?pi x?></w:body> ";
   XmlTree tree(xml, "/p.xml");
   EXPECT_EQ(tree.Write(), xml);
   EXPECT_FALSE(tree.changed());
@@ -77,7 +80,8 @@ TEST(XmlTree, WritesBackWhatItRead) {
 }
 
 TEST(XmlTree, TakesNewAndMovedNodes) {
-  XmlTree tree("<w:body xmlns:w='" + std::string(kUri) + "'><w:p a='1' x:b='2' /><w:tbl/></w:body>", "/p.xml");
+  XmlTree tree("<w:body xmlns:w='" + std::string(kUri) + "'><w:p a='1' x:b='2' /><w:tbl/></w:body>",
+               "/p.xml");
   const NodeId paragraph = tree.Child(tree.root(), Name::kParagraph);
   const NodeId run = tree.NewElement(Name::kRun, "<w:r>", "</w:r>");
   tree.Insert(run, kNoNode, tree.NewLeaf(Name::kText, "<w:t>x</w:t>"));
@@ -95,8 +99,8 @@ TEST(XmlTree, TakesNewAndMovedNodes) {
 }
 
 TEST(XmlTree, KnowsNamesByNamespaceInScope) {
-  const XmlTree tree("<a:body xmlns:a='" + std::string(kUri) +
-                         "' xmlns:w='urn:x'><w:p xmlns='" + kUri + "'><p/><q xmlns:a='urn:y'><a:p/></q><a:p/></w:p></a:body>",
+  const XmlTree tree("<a:body xmlns:a='" + std::string(kUri) + "' xmlns:w='urn:x'><w:p xmlns='" +
+                         kUri + "'><p/><q xmlns:a='urn:y'><a:p/></q><a:p/></w:p></a:body>",
                      "/p.xml");
   EXPECT_EQ(tree.name(tree.root()), Name::kBody);
   const NodeId other = tree.first_child(tree.root());
