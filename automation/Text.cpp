@@ -44,6 +44,13 @@ void AppendUtf16(String& out, char32_t code) {
   }
 }
 
+// How many units from the first on are ASCII.
+size_t AsciiRun(StringView text) {
+  size_t run = 0;
+  while (run < text.size() && text[run] < 0x80) ++run;
+  return run;
+}
+
 bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
@@ -109,6 +116,11 @@ std::string ToUtf8(StringView text) {
   std::string out;
   out.reserve(text.size() + text.size() / 4);
   for (size_t at = 0; at < text.size(); ++at) {
+    const size_t run = AsciiRun(text.substr(at));
+    out.resize(out.size() + run);
+    std::copy_n(text.begin() + at, run, out.end() - static_cast<std::ptrdiff_t>(run));
+    at += run;
+    if (at == text.size()) break;
     char32_t code = text[at];
     if (IsHighSurrogate(text[at]) && at + 1 < text.size() && IsLowSurrogate(text[at + 1])) {
       code = 0x10000 + ((code - 0xD800) << 10) + (text[++at] - 0xDC00);

@@ -77,6 +77,13 @@ size_t DecodeReference(std::string_view raw, String& text) {
   return end + 1;
 }
 
+// How many bytes from the first on are characters that stand for themselves.
+size_t PlainRun(std::string_view raw, bool references) {
+  size_t run = 1;
+  while (run < raw.size() && raw[run] >= 0x20 && !(references && raw[run] == '&')) ++run;
+  return run;
+}
+
 void DecodeCharacters(std::string_view raw, bool references, String& text) {
   for (size_t i = 0; i < raw.size();) {
     const auto byte = static_cast<unsigned char>(raw[i]);
@@ -84,9 +91,15 @@ void DecodeCharacters(std::string_view raw, bool references, String& text) {
       i += DecodeSequence(raw.substr(i), text);
     } else if (byte == '&' && references) {
       i += DecodeReference(raw.substr(i), text);
-    } else {
-      text += byte < 0x20 ? u' ' : static_cast<char16_t>(byte);
+    } else if (byte < 0x20) {
+      text += u' ';
       ++i;
+    } else {
+      const size_t run = PlainRun(raw.substr(i), references);
+      text.resize(text.size() + run);
+      std::copy_n(raw.begin() + static_cast<std::ptrdiff_t>(i), run,
+                  text.end() - static_cast<std::ptrdiff_t>(run));
+      i += run;
     }
   }
 }
@@ -98,6 +111,19 @@ size_t MarkupLength(std::string_view raw) {
                                                            : ">";
   const size_t end = raw.find(closing);
   return end == std::string_view::npos ? raw.size() : end + closing.size();
+}
+
+std::string_view ReferenceFor(char byte) {
+  switch (byte) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    default:
+      return {};
+  }
 }
 
 constexpr std::string_view kCData = "<![CDATA[";
@@ -129,26 +155,15 @@ std::string DecodeXmlAttribute(std::string_view raw) {
 }
 
 void EncodeXml(StringView text, std::string& xml) {
-  std::string utf8 = ToUtf8(text);
-  if (utf8.find_first_of("&<>") == std::string::npos) {
-    xml += utf8;
-    return;
+  const std::string utf8 = ToUtf8(text);
+  size_t from = 0;
+  for (size_t i = 0; i < utf8.size(); ++i) {
+    const std::string_view reference = ReferenceFor(utf8[i]);
+    if (reference.empty()) continue;
+    xml.append(utf8, from, i - from).append(reference);
+    from = i + 1;
   }
-  for (const char byte : utf8) {
-    switch (byte) {
-      case '&':
-        xml += "&amp;";
-        break;
-      case '<':
-        xml += "&lt;";
-        break;
-      case '>':
-        xml += "&gt;";
-        break;
-      default:
-        xml += byte;
-    }
-  }
+  xml.append(utf8, from);
 }
 
 String WithoutForbidden(StringView text) {
