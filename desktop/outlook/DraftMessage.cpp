@@ -162,7 +162,8 @@ Owned<GMimeObject> BodyPart(const DraftMessage& draft) {
     body = TextPart("plain", draft.plain_body);
   } else {
     body = Multipart("alternative", TextPart("plain", HtmlToPlainText(draft.html_body)));
-    g_mime_multipart_add(GMIME_MULTIPART(body.get()), TextPart("html", draft.html_body).get());
+    g_mime_multipart_add(GMIME_MULTIPART(body.get()),
+                         TextPart("html", DeclareUtf8(draft.html_body)).get());
   }
   if (draft.attachments->empty()) return body;
   Owned<GMimeObject> mixed = Multipart("mixed", std::move(body));

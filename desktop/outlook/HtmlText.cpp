@@ -10,6 +10,7 @@
 namespace kestrelon::desktop {
 namespace {
 
+constexpr size_t kLongestHead = 65536;
 constexpr std::array<std::string_view, 4> kHidden = {"script", "style", "template", "title"};
 constexpr std::array<std::string_view, 9> kParagraphs = {"p",  "h1", "h2",  "h3",        "h4",
                                                          "h5", "h6", "pre", "blockquote"};
@@ -21,6 +22,14 @@ constexpr std::array<std::string_view, 22> kLines = {
 template <size_t size>
 bool IsOneOf(std::string_view name, const std::array<std::string_view, size>& names) {
   return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+std::string FoldAscii(std::string_view text) {
+  std::string folded(text);
+  for (char& byte : folded) {
+    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte + ('a' - 'A'));
+  }
+  return folded;
 }
 
 // Takes the page's events. Breaks and blanks wait until more text comes, so that none stand at the
@@ -168,6 +177,25 @@ std::string HtmlToPlainText(std::string_view html) {
       context.get(), page.data(), static_cast<int>(size), nullptr, "UTF-8",
       HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET | HTML_PARSE_IGNORE_ENC);
   return text.Take();
+}
+
+std::string DeclareUtf8(std::string_view html) {
+  std::string declared;
+  size_t copied = 0;
+  // Declarations stand in the head of a page; a body of megabytes need not be searched.
+  const std::string folded = FoldAscii(html.substr(0, std::min(html.find("<body"), kLongestHead)));
+  for (size_t meta = folded.find("<meta"); meta != std::string::npos;
+       meta = folded.find("<meta", meta + 1)) {
+    const size_t end = folded.find('>', meta);
+    size_t value = folded.find("charset", meta);
+    if (value == std::string::npos || value > end) continue;
+    value = folded.find_first_not_of(" =\"'", value + std::string_view("charset").size());
+    const size_t value_end = folded.find_first_of(" \"';/>", value);
+    if (value_end == std::string::npos) break;
+    declared.append(html, copied, value - copied).append("utf-8");
+    copied = value_end;
+  }
+  return declared.append(html, copied);
 }
 
 }  // namespace kestrelon::desktop

@@ -11,4 +11,8 @@ namespace kestrelon::desktop {
 // tabs, list items led by "* ".
 std::string HtmlToPlainText(std::string_view html);
 
+// The page with its encoding declarations set to UTF-8, which its bytes are in; everything else
+// stays.
+std::string DeclareUtf8(std::string_view html);
+
 }  // namespace kestrelon::desktop

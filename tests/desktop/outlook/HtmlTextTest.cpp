@@ -46,5 +46,12 @@ TEST(HtmlToPlainText, LosesNothingOfAPageThatIsNestedDeep) {
   EXPECT_EQ(HtmlToPlainText(html + "end"), "end");
 }
 
+TEST(DeclareUtf8, ChangesTheDeclarationsAndNothingElse) {
+  EXPECT_EQ(DeclareUtf8("<META content=\"text/html; charset=windows-1252\"/><meta charset='x-y'>"
+                        "<p>charset=a</p><body><meta charset=b>"),
+            "<META content=\"text/html; charset=utf-8\"/><meta charset='utf-8'>"
+            "<p>charset=a</p><body><meta charset=b>");
+}
+
 }  // namespace
 }  // namespace kestrelon::desktop
