@@ -156,6 +156,9 @@ class Session(World):
                 self.assertIn("Zoë &amp; Co", package.read("word/document.xml").decode())
 
     def test_mails_a_letter_as_a_draft(self):
+        victim = self.home / "mailbox-victim"
+        victim.write_text("mine")
+        (self.home / "Attachment.Doc").symlink_to(victim)
         answers = self.session(
             self.letter(strEmailAddress="a@example.com", strMailMode="HTML", EmailSubject="Hallo ü"),
             self.letter(strEmailAddress="a@example.com", strMailMode="attach"),
@@ -175,8 +178,9 @@ class Session(World):
         (part,) = attached.iter_attachments()
         self.assertEqual(part.get_filename(), "Attachment.Doc")
         self.assertTrue(part.get_content().startswith(b"\xd0\xcf\x11\xe0"))
-        leftovers = [path.name for path in self.home.iterdir() if path.name != "mailbox"]
-        self.assertEqual(leftovers, [])
+        self.assertEqual(victim.read_text(), "mine", "a planted link was followed")
+        leftovers = {path.name for path in self.home.iterdir()}
+        self.assertEqual(leftovers, {"mailbox", "mailbox-victim", "Attachment.Doc"})
 
     def test_reports_a_missing_template_as_documented(self):
         (answer,) = self.session(self.letter(template="/missing.dotx"))

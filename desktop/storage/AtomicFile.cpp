@@ -145,8 +145,8 @@ std::string ReadWholeFile(const fs::path& path, size_t limit) {
   return content;
 }
 
-PrivateFolder::PrivateFolder(std::string_view prefix) {
-  std::string name = (TempFolder() / (std::string(prefix) + "XXXXXX")).string();
+PrivateFolder::PrivateFolder(std::string_view prefix, const fs::path& parent) {
+  std::string name = (parent / (std::string(prefix) + "XXXXXX")).string();
   if (mkdtemp(name.data()) == nullptr) throw FileError(errno, name);
   path_ = name;
 }

@@ -33,11 +33,15 @@ void MoveFileIntoPlace(const std::filesystem::path& source, const std::filesyste
 // The whole content. `limit` in bytes; a larger file is error 7 "Out of memory".
 std::string ReadWholeFile(const std::filesystem::path& path, size_t limit = size_t{1} << 31);
 
+// $TMPDIR, or /tmp.
+std::filesystem::path TempFolder();
+
 // A folder of its own (mode 0700) in the temporary folder, removed with everything in it.
 class PrivateFolder {
  public:
   // `prefix` is a plain name ("kestrelon-word-").
-  explicit PrivateFolder(std::string_view prefix);
+  explicit PrivateFolder(std::string_view prefix) : PrivateFolder(prefix, TempFolder()) {}
+  PrivateFolder(std::string_view prefix, const std::filesystem::path& parent);
   ~PrivateFolder();
   PrivateFolder(const PrivateFolder&) = delete;
   PrivateFolder& operator=(const PrivateFolder&) = delete;
@@ -50,8 +54,5 @@ class PrivateFolder {
   std::filesystem::path path_;
   bool keep_ = false;
 };
-
-// $TMPDIR, or /tmp.
-std::filesystem::path TempFolder();
 
 }  // namespace kestrelon::desktop

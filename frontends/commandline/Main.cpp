@@ -49,6 +49,7 @@ int RunSession(const std::string& trace_path) {
   for (std::string line; std::getline(std::cin, line);) {
     if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
     std::cout << session.Answer(line) << std::endl;
+    if (!std::cout) throw std::runtime_error("the answer cannot be written to standard output");
   }
   return kSuccess;
 }
@@ -94,7 +95,7 @@ int Main(int argc, char** argv) {
     std::fprintf(stderr, "kestrelon: %s\n", error.what());
     return kBadCommandLine;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "kestrelon: internal error: %s\n", error.what());
+    std::fprintf(stderr, "kestrelon: %s\n", error.what());
     return kInternalError;
   }
 }

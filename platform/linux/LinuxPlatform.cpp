@@ -88,12 +88,19 @@ int32_t LinuxPlatform::GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* b
   return needed;
 }
 
-uint32_t LinuxPlatform::GetTempPathAnsi(uint32_t size, char* buffer) {
-  const String folder = FromUtf8(desktop::TempFolder().string());
-  std::string path = ToAnsi(folder);
+// Members put files of fixed names into the temporary folder. In a shared one, another user's link
+// or another page's letter could stand under that name; so each platform has a folder of its own.
+void LinuxPlatform::MakeTempFolder() {
+  const std::filesystem::path shared = desktop::TempFolder();
+  const String name = FromUtf8(shared.string());
   // A path that ANSI text cannot name would lead nowhere.
-  if (FromAnsi(path) != folder) path = "/tmp";
-  if (!path.ends_with('/')) path += '/';
+  const bool is_ansi = FromAnsi(ToAnsi(name)) == name;
+  temp_folder_.emplace("kestrelon-", is_ansi ? shared : std::filesystem::path("/tmp"));
+}
+
+uint32_t LinuxPlatform::GetTempPathAnsi(uint32_t size, char* buffer) {
+  if (!temp_folder_ && IgnoreFailures([&] { MakeTempFolder(); })) return 0;
+  const std::string path = ToAnsi(FromUtf8(temp_folder_->path().string())) + "/";
   const auto length = static_cast<uint32_t>(path.size());
   if (length >= size) return length + 1;
   std::memcpy(buffer, path.c_str(), path.size() + 1);

@@ -1,12 +1,13 @@
 // The control's desktop on Linux: the automation servers of desktop/, and the system's services.
 //
 // The locale is that of the environment (LC_ALL, LC_TIME, LC_MONETARY, LANG). Texts of ANSI calls
-// are Windows-1252; characters that it lacks become "?", and a temporary folder whose name has
-// one gives way to /tmp.
+// are Windows-1252; characters that it lacks become "?". The temporary folder is a private one in
+// $TMPDIR, or in /tmp where the name of that has such a character, and goes with the platform.
 #pragma once
 
 #include <functional>
 
+#include "desktop/storage/AtomicFile.h"
 #include "platform/Platform.h"
 
 namespace kestrelon {
@@ -30,6 +31,9 @@ class LinuxPlatform final : public Platform {
   FileVersion ComponentVersion() override;
 
  private:
+  void MakeTempFolder();
+
+  std::optional<desktop::PrivateFolder> temp_folder_;
   MessageBoxHandler show_message_box_;
 };
 
