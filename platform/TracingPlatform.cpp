@@ -23,14 +23,14 @@ Object TracingPlatform::CreateObject(StringView prog_id, StringView server) {
   arguments.Add(Value(prog_id));
   if (!server.empty()) arguments.Add(Value(server));
   return TraceObtained(DescribeCall("CreateObject", arguments), prog_id, sink_,
-                       [&] { return platform_.CreateObject(prog_id, server); });
+                       [&] { return ForwardingPlatform::CreateObject(prog_id, server); });
 }
 
 Object TracingPlatform::GetRunningObject(StringView prog_id) {
   Arguments arguments;
   arguments.Add(Value(prog_id));
   return TraceObtained(DescribeCall("GetRunningObject", arguments), prog_id, sink_,
-                       [&] { return platform_.GetRunningObject(prog_id); });
+                       [&] { return ForwardingPlatform::GetRunningObject(prog_id); });
 }
 
 }  // namespace kestrelon

@@ -68,12 +68,12 @@ Object FailByPlan(const Object& object, FailurePlan& plan) {
 
 Object FailingDesktop::CreateObject(StringView prog_id, StringView server) {
   plan_.Count();
-  return FailByPlan(platform_.CreateObject(prog_id, server), plan_);
+  return FailByPlan(ForwardingPlatform::CreateObject(prog_id, server), plan_);
 }
 
 Object FailingDesktop::GetRunningObject(StringView prog_id) {
   plan_.Count();
-  return FailByPlan(platform_.GetRunningObject(prog_id), plan_);
+  return FailByPlan(ForwardingPlatform::GetRunningObject(prog_id), plan_);
 }
 
 }  // namespace kestrelon::testing

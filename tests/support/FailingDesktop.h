@@ -1,7 +1,7 @@
 // A desktop whose n-th automation call fails, over another one that does the work.
 #pragma once
 
-#include "platform/Platform.h"
+#include "platform/ForwardingPlatform.h"
 
 namespace kestrelon::testing {
 
@@ -12,28 +12,15 @@ struct FailurePlan {
   void Count();  // throws error 1234 "Injected" at the planned call
 };
 
-class FailingDesktop final : public Platform {
+class FailingDesktop final : public ForwardingPlatform {
  public:
-  FailingDesktop(Platform& platform, FailurePlan& plan) : platform_(platform), plan_(plan) {}
+  FailingDesktop(Platform& platform, FailurePlan& plan)
+      : ForwardingPlatform(platform), plan_(plan) {}
 
   Object CreateObject(StringView prog_id, StringView server) override;
   Object GetRunningObject(StringView prog_id) override;
-  int32_t ShowMessageBox(const String& text, int32_t flags,
-                         const std::optional<String>& title) override {
-    return platform_.ShowMessageBox(text, flags, title);
-  }
-  uint32_t UserDefaultLocale() override { return platform_.UserDefaultLocale(); }
-  int32_t GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* buffer, int32_t size) override {
-    return platform_.GetLocaleInfoAnsi(locale, type, buffer, size);
-  }
-  uint32_t GetTempPathAnsi(uint32_t size, char* buffer) override {
-    return platform_.GetTempPathAnsi(size, buffer);
-  }
-  Date Now() override { return platform_.Now(); }
-  FileVersion ComponentVersion() override { return platform_.ComponentVersion(); }
 
  private:
-  Platform& platform_;
   FailurePlan& plan_;
 };
 

@@ -1,0 +1,37 @@
+// A platform over another one, to which it hands everything on. Base of those that add something.
+#pragma once
+
+#include "platform/Platform.h"
+
+namespace kestrelon {
+
+class ForwardingPlatform : public Platform {
+ public:
+  // `platform` must outlive this one.
+  explicit ForwardingPlatform(Platform& platform) : platform_(platform) {}
+
+  Object CreateObject(StringView prog_id, StringView server) override {
+    return platform_.CreateObject(prog_id, server);
+  }
+  Object GetRunningObject(StringView prog_id) override {
+    return platform_.GetRunningObject(prog_id);
+  }
+  int32_t ShowMessageBox(const String& text, int32_t flags,
+                         const std::optional<String>& title) override {
+    return platform_.ShowMessageBox(text, flags, title);
+  }
+  uint32_t UserDefaultLocale() override { return platform_.UserDefaultLocale(); }
+  int32_t GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* buffer, int32_t size) override {
+    return platform_.GetLocaleInfoAnsi(locale, type, buffer, size);
+  }
+  uint32_t GetTempPathAnsi(uint32_t size, char* buffer) override {
+    return platform_.GetTempPathAnsi(size, buffer);
+  }
+  Date Now() override { return platform_.Now(); }
+  FileVersion ComponentVersion() override { return platform_.ComponentVersion(); }
+
+ private:
+  Platform& platform_;
+};
+
+}  // namespace kestrelon
