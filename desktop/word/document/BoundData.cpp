@@ -174,17 +174,19 @@ void UpdateBoundData(Package& package, const std::string& main_part, DocumentPar
     const NodeId properties = tree.Child(control, Name::kControlProperties);
     const NodeId content = tree.Child(control, Name::kControlContent);
     if (!tree.IsAttached(control) || properties == kNoNode || content == kNoNode) continue;
-    const bool is_rich = tree.Child(properties, Name::kRichText) != kNoNode;
+    // What a rich control is bound to is a document of its own.
+    const NodeId rich = tree.Child(properties, Name::kRichDataBinding);
+    if (rich != kNoNode) tree.Remove(rich);
+    const NodeId bound = tree.Child(properties, Name::kDataBinding);
+    if (bound == kNoNode) continue;
+    const Binding binding = {tree.Attribute(bound, "storeItemID").value_or(""),
+                             tree.Attribute(bound, "xpath").value_or(""),
+                             tree.Attribute(bound, "prefixMappings").value_or("")};
     String text;
     AppendText(tree, content, text);
-    NodeId bound = tree.Child(properties, Name::kDataBinding);
-    for (; bound != kNoNode; bound = tree.Child(properties, Name::kDataBinding)) {
-      const Binding binding = {tree.Attribute(bound, "storeItemID").value_or(""),
-                               tree.Attribute(bound, "xpath").value_or(""),
-                               tree.Attribute(bound, "prefixMappings").value_or("")};
-      if (!is_rich && StoreValue(package, main_part, binding, ToUtf8(text))) break;
-      tree.Remove(bound);
-    }
+    const bool is_rich = tree.Child(properties, Name::kRichText) != kNoNode;
+    const bool stored = !is_rich && StoreValue(package, main_part, binding, ToUtf8(text));
+    if (!stored) tree.Remove(bound);
   }
   part.touched_controls.clear();
 }

@@ -191,6 +191,11 @@ void StoryText::EditMirror(Span span, const String& before, StringView text) {
 }
 
 void StoryText::SetText(Paragraph& paragraph, StringView text) {
+  if (mirror_ != nullptr) {
+    const int32_t start = StartOf(paragraph);
+    Replace({start, start + paragraph.length() - 1}, text);
+    return;
+  }
   ParagraphEditor(*this, paragraph).Replace(0, paragraph.text.size(), CleanText(text));
 }
 

@@ -44,7 +44,7 @@ constexpr Entry kEntries[] = {
     {"sdtPr", Namespace::kWord, Name::kControlProperties},
     {"customXml", Namespace::kWord, Name::kCustomXml},
     {"dataBinding", Namespace::kWord, Name::kDataBinding},
-    {"dataBinding", Namespace::kWord2012, Name::kDataBinding},
+    {"dataBinding", Namespace::kWord2012, Name::kRichDataBinding},
     {"dir", Namespace::kWord, Name::kDirection},
     {"hyperlink", Namespace::kWord, Name::kHyperlink},
     {"ins", Namespace::kWord, Name::kInserted},

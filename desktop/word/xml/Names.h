@@ -54,6 +54,7 @@ enum class Name : uint8_t {
   kMovedFrom,
   kMovedTo,
   kPlaceholderShown,
+  kRichDataBinding,
   kRichText,
   kSimpleField,
   kSmartTag,
