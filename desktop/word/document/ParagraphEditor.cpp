@@ -91,21 +91,14 @@ size_t ParagraphEditor::TextPieceAt(size_t from, size_t to, size_t at) {
   const bool reaches_in = has_before && pieces[behind - 1].end() > at;
   if (reaches_in) return behind - 1;
   const bool has_behind = behind < pieces.size() && !IsField(pieces[behind].kind);
+  if (!has_before && !has_behind) return PieceInNewRun(behind, at);
   const bool takes_before = has_before && (from == to || !has_behind);
-  if (takes_before) {
-    const Piece& host = pieces[behind - 1];
-    if (host.kind == PieceKind::kText) return behind - 1;
-    if (tree_.name(host.node) != Name::kMath && tree_.name(host.node) != Name::kMathParagraph) {
-      return NewTextPiece(behind, at, tree_.parent(host.node), tree_.next(host.node));
-    }
-  } else if (has_behind) {
-    const Piece& host = pieces[behind];
-    if (host.kind == PieceKind::kText) return behind;
-    if (tree_.name(host.node) != Name::kMath && tree_.name(host.node) != Name::kMathParagraph) {
-      return NewTextPiece(behind, at, tree_.parent(host.node), host.node);
-    }
-  }
-  return PieceInNewRun(behind, at);
+  const Piece& host = pieces[takes_before ? behind - 1 : behind];
+  if (host.kind == PieceKind::kText) return takes_before ? behind - 1 : behind;
+  const Name name = tree_.name(host.node);
+  if (name == Name::kMath || name == Name::kMathParagraph) return PieceInNewRun(behind, at);
+  return NewTextPiece(behind, at, tree_.parent(host.node),
+                      takes_before ? tree_.next(host.node) : host.node);
 }
 
 // An empty text piece; it takes text at once.
