@@ -32,6 +32,8 @@ void AlignBranches(XmlTree& tree, NodeId alternative, NodeId edited) {
 
 void DocumentPart::Touch(NodeId node) {
   edited = true;
+  if (tree.parent(node) == last_touched_) return;
+  last_touched_ = tree.parent(node);
   for (NodeId around = tree.parent(node); around != kNoNode; around = tree.parent(around)) {
     const Name name = tree.name(around);
     if (name == Name::kTextBoxContent) return;
@@ -47,6 +49,7 @@ void DocumentPart::Touch(NodeId node) {
 bool DocumentPart::BringUpToDate() {
   if (!edited) return false;
   edited = false;
+  last_touched_ = kNoNode;
   for (StoryText* text : texts) text->WriteText();
   for (const NodeId branch : touched_alternatives) {
     if (tree.IsAttached(branch)) AlignBranches(tree, tree.parent(branch), branch);

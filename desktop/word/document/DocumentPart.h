@@ -30,6 +30,9 @@ struct DocumentPart {
   std::set<NodeId> touched_controls;
   std::set<NodeId> touched_alternatives;
   bool edited = false;  // since it was last written
+
+ private:
+  NodeId last_touched_ = kNoNode;  // an edit touches the same run several times
 };
 
 }  // namespace kestrelon::desktop::word

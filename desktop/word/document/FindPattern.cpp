@@ -1,6 +1,7 @@
 #include "desktop/word/document/FindPattern.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 #include "desktop/word/document/Paragraph.h"
@@ -62,6 +63,33 @@ NumberedCode ReadNumber(StringView digits) {
   return {FromAnsi(std::string(1, static_cast<char>(code)))[0], end};
 }
 
+// Straight and curly quotes are the same, and so are both cases.
+char16_t FoldFully(char16_t unit) {
+  if (unit < 0x80) return unit >= u'A' && unit <= u'Z' ? unit | 0x20 : unit;
+  if (unit == 0x2018 || unit == 0x2019) return u'\'';
+  if (unit == 0x201C || unit == 0x201D) return u'"';
+  return LowerCase(unit);
+}
+
+// Letters, digits and the brackets of tags have bits of their own.
+constexpr uint32_t BitOf(char16_t unit) {
+  if (unit >= u'a' && unit <= u'z') return unit - u'a';
+  if (unit >= u'0' && unit <= u'9') return 26 + unit - u'0';
+  if (unit == u'<') return 36;
+  return unit == u'>' ? 37 : 38 + unit % 26;
+}
+
+constexpr std::array<UnitSet, 0x80> MakeAsciiSets() {
+  std::array<UnitSet, 0x80> sets{};
+  for (char16_t unit = 0; unit < sets.size(); ++unit) {
+    const bool is_capital = unit >= u'A' && unit <= u'Z';
+    sets[unit] = UnitSet{1} << BitOf(is_capital ? unit | 0x20 : unit);
+  }
+  return sets;
+}
+
+constexpr std::array<UnitSet, 0x80> kAsciiSets = MakeAsciiSets();
+
 // StringView::find of one unit, by blocks that the compiler compares at once: most of a search is
 // looking for the first unit of a tag.
 size_t FindUnit(StringView text, char16_t unit, size_t from) {
@@ -76,6 +104,14 @@ size_t FindUnit(StringView text, char16_t unit, size_t from) {
 
 }  // namespace
 
+UnitSet UnitSetOf(StringView text) {
+  UnitSet units = 0;
+  for (const char16_t unit : text) {
+    units |= unit < 0x80 ? kAsciiSets[unit] : UnitSet{1} << BitOf(FoldFully(unit));
+  }
+  return units;
+}
+
 FindPattern::FindPattern(StringView text, bool match_case) : text_(text), match_case_(match_case) {
   CheckLength(text);
   for (size_t i = 0; i < text.size();) {
@@ -88,9 +124,9 @@ FindPattern::FindPattern(StringView text, bool match_case) : text_(text), match_
 }
 
 char16_t FindPattern::Fold(char16_t unit) const {
-  if (unit == 0x2018 || unit == 0x2019) return u'\'';
-  if (unit == 0x201C || unit == 0x201D) return u'"';
-  return match_case_ ? unit : LowerCase(unit);
+  const char16_t folded = FoldFully(unit);
+  const bool is_quote = folded == u'\'' || folded == u'"';
+  return match_case_ && !is_quote ? unit : folded;
 }
 
 void FindPattern::AddUnit(char16_t unit) { tokens_.push_back({Kind::kUnit, Fold(unit)}); }
@@ -148,7 +184,9 @@ void FindPattern::FinishTokens() {
   longest_match_ = static_cast<int32_t>(tokens_.size());
   for (const Token& token : tokens_) {
     if (token.kind == Kind::kWhiteSpace) longest_match_ = kUnbounded;
-    if (token.kind == Kind::kUnit && token.unit == u'\r') spans_paragraphs_ = true;
+    if (token.kind != Kind::kUnit) continue;
+    if (token.unit == u'\r') spans_paragraphs_ = true;
+    units_ |= UnitSetOf(StringView(&token.unit, 1));
   }
   if (tokens_.empty() || tokens_.front().kind != Kind::kUnit) return;
   const char16_t first = tokens_.front().unit;

@@ -14,6 +14,11 @@
 
 namespace kestrelon::desktop::word {
 
+// Which units a text holds, folded into 64 bits: one that lacks a bit of the pattern's cannot hold
+// the pattern.
+using UnitSet = uint64_t;
+UnitSet UnitSetOf(StringView text);
+
 class FindPattern {
  public:
   // Error 5854 over 255 units.
@@ -29,6 +34,8 @@ class FindPattern {
   bool spans_paragraphs() const { return spans_paragraphs_; }
   // The longest match, in units; INT32_MAX where it has no bound.
   int32_t longest_match() const { return longest_match_; }
+
+  bool MayBeIn(UnitSet units) const { return (units_ & ~units) == 0; }
 
   struct Match {
     size_t start;
@@ -57,6 +64,7 @@ class FindPattern {
   bool match_case_;
   bool spans_paragraphs_ = false;
   int32_t longest_match_ = 0;
+  UnitSet units_ = 0;
   std::vector<Token> tokens_;
   // Units that the first token takes, when they are at most this many; searched for first.
   std::vector<char16_t> first_units_;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "automation/Text.h"
@@ -54,6 +55,7 @@ struct Paragraph {
   // Kept by the story's text; see StoryText.
   int32_t start = 0;
   uint32_t index = 0;
+  std::optional<uint64_t> units;  // kept by searches, see FindPattern; none once the text changes
 
   int32_t length() const { return static_cast<int32_t>(text.size()) + 1; }
 };

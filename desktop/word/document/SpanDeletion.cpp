@@ -174,6 +174,7 @@ void SpanDeletion::MoveText(Paragraph& from, Paragraph& to) {
   for (Piece& piece : to.pieces) piece.begin += count;
   to.pieces.insert(to.pieces.begin(), from.pieces.begin(), from.pieces.end());
   to.text.insert(0, from.text);
+  to.units.reset();
   to.has_fields = to.has_fields || from.has_fields;
   for (TrackedEnds* anchors : story_.tracked_) {
     for (auto* anchor : {&anchors->start, &anchors->end}) {

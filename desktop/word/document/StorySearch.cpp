@@ -24,6 +24,12 @@ VisibleText WithoutFields(const Paragraph& paragraph) {
   return visible;
 }
 
+// Which units occur in the paragraph, roughly; worked out once until its text changes.
+UnitSet UnitsOf(Paragraph& paragraph) {
+  if (!paragraph.units) paragraph.units = UnitSetOf(paragraph.text);
+  return *paragraph.units;
+}
+
 }  // namespace
 
 FindPattern::Match StoryText::FindInParagraph(const FindPattern& pattern,
@@ -56,9 +62,9 @@ std::optional<Span> StoryText::FindForward(const FindPattern& pattern, Span with
   if (extends) place = {searched_.index, searched_.offset};
   for (; place.index < Count(); place = {place.index + 1, 0}) {
     ExtendTo(place.index + 1);
-    const Paragraph& paragraph = At(place.index);
-    if (extends) SetSearched(place);
-    if (paragraph.start >= within.end) return std::nullopt;
+    Paragraph& paragraph = At(place.index);
+    if (paragraph.start >= within.end) break;
+    if (!pattern.MayBeIn(UnitsOf(paragraph))) continue;
     const Match match = FindInParagraph(pattern, paragraph, place.offset);
     if (match.start == FindPattern::kNone) continue;
     if (extends) SetSearched({place.index, match.start});
@@ -66,7 +72,7 @@ std::optional<Span> StoryText::FindForward(const FindPattern& pattern, Span with
     const Span found = {start, start + static_cast<int32_t>(match.length)};
     return found.end <= within.end ? std::optional(found) : std::nullopt;
   }
-  if (extends) SetSearched({Count(), 0});
+  if (extends) SetSearched(place);
   return std::nullopt;
 }
 
@@ -126,6 +132,7 @@ int32_t StoryText::ReplaceAll(const FindPattern& pattern, StringView replacement
   int32_t count = 0;
   for (size_t i = clear.index; i < Count(); ++i) {
     ExtendTo(i + 1);
+    if (!pattern.MayBeIn(UnitsOf(At(i)))) continue;
     count += ReplaceAllInParagraph(pattern, replacement, i, i == clear.index ? clear.offset : 0);
   }
   if (count == 0) SetSearched({Count(), 0});

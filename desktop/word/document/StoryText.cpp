@@ -239,6 +239,7 @@ int32_t StoryText::PositionOf(const TrackedEnd& anchor) {
 
 void StoryText::NoteInserted(Paragraph& paragraph, size_t at, size_t count) {
   length_ += static_cast<int32_t>(count);
+  paragraph.units.reset();
   ForgetFrom(paragraph, at);
   for (TrackedEnds* anchors : tracked_) {
     for (TrackedEnd* anchor : {&anchors->start, &anchors->end}) {
@@ -249,6 +250,7 @@ void StoryText::NoteInserted(Paragraph& paragraph, size_t at, size_t count) {
 
 void StoryText::NoteRemoved(Paragraph& paragraph, size_t from, size_t to) {
   length_ -= static_cast<int32_t>(to - from);
+  paragraph.units.reset();
   ForgetFrom(paragraph, from);
   for (TrackedEnds* anchors : tracked_) {
     for (TrackedEnd* anchor : {&anchors->start, &anchors->end}) {

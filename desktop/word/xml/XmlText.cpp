@@ -155,15 +155,22 @@ std::string DecodeXmlAttribute(std::string_view raw) {
 }
 
 void EncodeXml(StringView text, std::string& xml) {
-  const std::string utf8 = ToUtf8(text);
-  size_t from = 0;
-  for (size_t i = 0; i < utf8.size(); ++i) {
-    const std::string_view reference = ReferenceFor(utf8[i]);
-    if (reference.empty()) continue;
-    xml.append(utf8, from, i - from).append(reference);
-    from = i + 1;
+  const auto is_plain = [](char16_t unit) {
+    return unit < 0x80 && unit != u'&' && unit != u'<' && unit != u'>';
+  };
+  for (auto at = text.begin(); at != text.end();) {
+    const auto special = std::find_if_not(at, text.end(), is_plain);
+    xml.append(at, special);
+    at = special;
+    if (at == text.end()) return;
+    if (*at < 0x80) {
+      xml += ReferenceFor(static_cast<char>(*at++));
+    } else {
+      const auto ascii = std::find_if(at, text.end(), [](char16_t unit) { return unit < 0x80; });
+      xml += ToUtf8(StringView(at, ascii));
+      at = ascii;
+    }
   }
-  xml.append(utf8, from);
 }
 
 String WithoutForbidden(StringView text) {

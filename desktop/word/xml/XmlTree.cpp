@@ -52,7 +52,9 @@ std::string_view LocalName(std::string_view name) {
 bool IsDeclaration(std::string_view name) { return name.starts_with("xmlns"); }
 
 std::string_view TagName(std::string_view open_tag) {
-  return open_tag.substr(1, open_tag.find_first_of(" \t\r\n/>", 1) - 1);
+  size_t end = 1;
+  while (open_tag[end] > ' ' && open_tag[end] != '/' && open_tag[end] != '>') ++end;
+  return open_tag.substr(1, end - 1);
 }
 
 }  // namespace
