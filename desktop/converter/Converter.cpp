@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -49,6 +50,28 @@ FormatTraits TraitsOf(ConversionFormat format) {
   throw AutomationError(kInvalidProcedureCall);
 }
 
+// A file, or the content of one to be and the name for it.
+struct Source {
+  fs::path path;
+  std::optional<std::string_view> content;
+};
+
+// Under the source's own name, which fields in the document may show.
+fs::path CopyTo(const fs::path& folder, const Source& source) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  fs::path copy = folder / source.path.filename();
+  if (source.content) {
+    // The name of the target may have grown by a longer extension.
+    if (copy.filename().native().size() > NAME_MAX) copy.replace_filename("document.docx");
+    WriteFileAtomically(copy, *source.content);
+    return copy;
+  }
+  fs::copy_file(source.path, copy, error);
+  if (error) throw FileError(error.value(), source.path);
+  return copy;
+}
+
 milliseconds Sound(milliseconds limit, milliseconds fallback) {
   return limit > milliseconds::zero() && limit <= kLongestLimit ? limit : fallback;
 }
@@ -77,10 +100,11 @@ struct Converter::Implementation {
   std::mutex one_at_a_time;
   std::optional<WorkerProcess> worker;
 
-  // Fills `output` in the worker's job folder.
-  void Run(const fs::path& source, ConversionFormat format, fs::path& output);
+  // The content of `output`, a file in the worker's job folder.
+  std::string Convert(const Source& source, ConversionFormat format, fs::path& output);
+  void Run(const Source& source, ConversionFormat format, fs::path& output);
   void StartWorker(ConversionFormat format);
-  Reply RunOnce(const fs::path& source, ConversionFormat format, fs::path& output,
+  Reply RunOnce(const Source& source, ConversionFormat format, fs::path& output,
                 milliseconds limit);
 };
 
@@ -100,18 +124,14 @@ void Converter::Implementation::StartWorker(ConversionFormat format) {
   throw AutomationError(kConversionFailed, FromUtf8(reason));
 }
 
-Reply Converter::Implementation::RunOnce(const fs::path& source, ConversionFormat format,
+Reply Converter::Implementation::RunOnce(const Source& source, ConversionFormat format,
                                          fs::path& output, milliseconds limit) {
   const FormatTraits traits = TraitsOf(format);
   const fs::path folder = worker->job_folder();
-  // The copy keeps its name, which fields in the document may show.
-  const fs::path input = folder / "source" / source.filename();
   output = folder / (std::string("target.") + traits.extension);
   std::error_code error;
   fs::remove_all(folder, error);  // no earlier output may pass for this one's
-  fs::create_directories(input.parent_path(), error);
-  fs::copy_file(source, input, error);
-  if (error) throw FileError(error.value(), source);
+  const fs::path input = CopyTo(folder / "source", source);
   const std::string separator(1, '\0');
   Reply reply = worker->Ask(input.string() + separator + output.string() + separator +
                                 traits.extension + separator + traits.options,
@@ -120,7 +140,7 @@ Reply Converter::Implementation::RunOnce(const fs::path& source, ConversionForma
   return reply;
 }
 
-void Converter::Implementation::Run(const fs::path& source, ConversionFormat format,
+void Converter::Implementation::Run(const Source& source, ConversionFormat format,
                                     fs::path& output) {
   milliseconds spent{0};
   for (int attempt = 1; attempt <= 2; ++attempt) {
@@ -144,6 +164,30 @@ void Converter::Implementation::Run(const fs::path& source, ConversionFormat for
                         u"LibreOffice crashed on it twice; check that the document is undamaged");
 }
 
+std::string Converter::Implementation::Convert(const Source& source, ConversionFormat format,
+                                               fs::path& output) {
+  // Before a worker is started in vain.
+  if (!source.content && access(source.path.c_str(), R_OK) != 0) {
+    throw FileError(errno, source.path);
+  }
+  try {
+    Run(source, format, output);
+    std::string content = fs::exists(output) ? ReadWholeFile(output) : std::string();
+    if (!HasSignature(content, format)) {
+      throw AutomationError(kConversionFailed, u"what LibreOffice wrote is incomplete");
+    }
+    if (format != ConversionFormat::kHtml) return content;
+    content = FinishHtml(content);
+    WriteFileAtomically(output, content);
+    return content;
+  } catch (const AutomationError& error) {
+    if (error.number() != kConversionFailed) throw;
+    throw AutomationError(kConversionFailed, FromUtf8("Cannot convert " + source.path.string() +
+                                                      " to " + TraitsOf(format).name + ": ") +
+                                                 error.description());
+  }
+}
+
 Converter::Converter(ConverterLimits limits) : self_(std::make_unique<Implementation>()) {
   self_->limits.start = Sound(limits.start, ConverterLimits().start);
   self_->limits.conversion = Sound(limits.conversion, ConverterLimits().conversion);
@@ -153,24 +197,23 @@ Converter::~Converter() = default;
 
 void Converter::Convert(const fs::path& source, const fs::path& target, ConversionFormat format) {
   const std::scoped_lock lock(self_->one_at_a_time);
-  const FormatTraits traits = TraitsOf(format);
-  // Before a worker is started in vain.
-  if (access(source.c_str(), R_OK) != 0) throw FileError(errno, source);
   fs::path output;
-  try {
-    self_->Run(source, format, output);
-    const std::string content = fs::exists(output) ? ReadWholeFile(output) : std::string();
-    if (!HasSignature(content, format)) {
-      throw AutomationError(kConversionFailed, u"what LibreOffice wrote is incomplete");
-    }
-    if (format == ConversionFormat::kHtml) WriteFileAtomically(output, FinishHtml(content));
-  } catch (const AutomationError& error) {
-    if (error.number() != kConversionFailed) throw;
-    throw AutomationError(kConversionFailed, FromUtf8("Cannot convert " + source.string() + " to " +
-                                                      traits.name + ": ") +
-                                                 error.description());
-  }
+  self_->Convert({source, std::nullopt}, format, output);
   MoveFileIntoPlace(output, target);
+}
+
+void Converter::Convert(std::string_view content, const fs::path& file_name, const fs::path& target,
+                        ConversionFormat format) {
+  const std::scoped_lock lock(self_->one_at_a_time);
+  fs::path output;
+  self_->Convert({file_name, content}, format, output);
+  MoveFileIntoPlace(output, target);
+}
+
+std::string Converter::ConvertToBytes(const fs::path& source, ConversionFormat format) {
+  const std::scoped_lock lock(self_->one_at_a_time);
+  fs::path output;
+  return self_->Convert({source, std::nullopt}, format, output);
 }
 
 Converter& Converter::OfThisProcess() {

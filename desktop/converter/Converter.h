@@ -9,6 +9,8 @@
 #include <chrono>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "automation/AutomationError.h"
 
@@ -41,6 +43,13 @@ class Converter {
   // wait.
   void Convert(const std::filesystem::path& source, const std::filesystem::path& target,
                ConversionFormat format);
+  // The same for a document that is no file yet: `content`, under the plain name `file_name`, which
+  // fields in the document may show. It is written below the worker's folder alone, which goes even
+  // when this program is killed.
+  void Convert(std::string_view content, const std::filesystem::path& file_name,
+               const std::filesystem::path& target, ConversionFormat format);
+  // The same, with the converted file's content as the result.
+  std::string ConvertToBytes(const std::filesystem::path& source, ConversionFormat format);
 
   // The one converter of this process, with limits from the environment (KESTRELON_CONVERTER_START,
   // KESTRELON_CONVERTER_DEADLINE, seconds).

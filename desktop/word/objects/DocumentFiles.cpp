@@ -86,13 +86,6 @@ bool NeedsConverter(const fs::path& path, std::string_view bytes) {
   return bytes.starts_with(kRtfSignature) || Contains(kReadByConverter, ExtensionOf(path));
 }
 
-std::string ConvertToPackage(const fs::path& path) {
-  const PrivateFolder folder("kestrelon-word-");
-  const fs::path converted = folder.path() / "document.docx";
-  Converter::OfThisProcess().Convert(path, converted, ConversionFormat::kDocx);
-  return ReadWholeFile(converted, kLargestFile);
-}
-
 // Runs `action`; its errors name the file.
 template <typename Action>
 auto NamingFile(const fs::path& path, const Action& action) {
@@ -124,7 +117,9 @@ FileFormat FormatOfExtension(const String& extension) {
 std::unique_ptr<Document> ReadDocument(const fs::path& path) {
   return NamingFile(path, [&] {
     std::string bytes = ReadWholeFile(path, kLargestFile);
-    if (NeedsConverter(path, bytes)) bytes = ConvertToPackage(path);
+    if (NeedsConverter(path, bytes)) {
+      bytes = Converter::OfThisProcess().ConvertToBytes(path, ConversionFormat::kDocx);
+    }
     return Document::Open(std::move(bytes));
   });
 }
@@ -152,12 +147,9 @@ void WriteDocument(Document& document, const SaveTarget& target) {
       WriteFileAtomically(target.path, document.Save(*row.engine));
       return;
     }
-    const PrivateFolder folder("kestrelon-word-");
-    const fs::path source = folder.path() / "document.docx";
-    const fs::path converted = folder.path() / ("converted" + ToUtf8(row.extension));
-    WriteFileAtomically(source, document.Save(DocumentKind::kDocx));
-    Converter::OfThisProcess().Convert(source, converted, row.converter);
-    MoveFileIntoPlace(converted, target.path);
+    const fs::path name = target.path.stem() += ".docx";
+    Converter::OfThisProcess().Convert(document.Save(DocumentKind::kDocx), name, target.path,
+                                       row.converter);
   });
 }
 

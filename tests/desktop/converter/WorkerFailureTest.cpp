@@ -68,6 +68,27 @@ TEST_F(WorkerFailureTest, ChatterOnTheStandardStreamsDisturbsNothing) {
   ExpectNothingLeftBehind("%PDF-1.6 Dear %%EOF");
 }
 
+TEST_F(WorkerFailureTest, BytesAreConvertedUnderTheirOwnNameInTheFolderOfTheWorkerAlone) {
+  const ChangedEnvironment worker(
+      "KESTRELON_CONVERTER_WORKER",
+      world_
+          .WriteProgram("worker", kReady + ("while true; do " + std::string(kTakeRequest)) +
+                                      "printf '%%PDF-1.6 %s in %s of %s %%%%EOF' \"$(cat \"$1\")\" "
+                                      "\"${1##*/}\" \"$(ls \"$TMPDIR/../..\" | wc -l)\" >\"$2\"\n" +
+                                      kReady + "done\n")
+          .string());
+  {
+    Converter converter;
+    converter.Convert("Dear \u00e4", "Letter %20.docx", target_, ConversionFormat::kPdf);
+    EXPECT_EQ(ReadWholeFile(target_), "%PDF-1.6 Dear \u00e4 in Letter %20.docx of 1 %%EOF");
+    converter.Convert("x", std::string(251, 'n') + ".docx", target_, ConversionFormat::kPdf);
+    EXPECT_EQ(ReadWholeFile(target_), "%PDF-1.6 x in document.docx of 1 %%EOF");
+    EXPECT_EQ(converter.ConvertToBytes(source_, ConversionFormat::kPdf),
+              "%PDF-1.6 Dear in letter.rtf of 1 %%EOF");
+  }
+  ExpectNothingLeftBehind("%PDF-1.6 x in document.docx of 1 %%EOF");
+}
+
 TEST_F(WorkerFailureTest, FailuresAreToldWithReasonAndLeaveTheTargetAlone) {
   const ConverterLimits kShort{milliseconds(300), milliseconds(300)};
   const struct {

@@ -136,6 +136,14 @@ TEST(Converted, FormatsAreReadAndWrittenThroughTheConverter) {
   EXPECT_EQ(letter.Get(u"Name").ToText(), u"Attachment.Doc");
 }
 
+TEST(Converted, FieldsShowTheNameOfTheTarget) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(P("<w:fldSimple w:instr=\" FILENAME \"/>"));
+  letter.Call(u"SaveAs", world.Path("Letter %20 \u00C4.htm"), 8);
+  EXPECT_NE(world.Read("Letter %20 \u00C4.htm").find("Letter %20 \xC4.docx"), std::string::npos)
+      << world.Read("Letter %20 \u00C4.htm");
+}
+
 // What Visible does with the documents, as the opener tells it.
 class Visible : public ::testing::Test {
  protected:
