@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <array>
 
+#include "desktop/outlook/HtmlPictures.h"
 #include "desktop/outlook/HtmlText.h"
 
 namespace kestrelon::desktop {
 namespace {
 
 constexpr const char* kUtf8 = "utf-8";
+constexpr const char* kIdDomain = "@kestrelon.invalid";
 
 struct Unref {
   void operator()(void* object) const { g_object_unref(object); }
@@ -156,14 +158,30 @@ Owned<GMimeObject> Multipart(const char* subtype, Owned<GMimeObject> first) {
   return Owned<GMimeObject>(GMIME_OBJECT(multipart));
 }
 
+Owned<GMimeObject> HtmlPart(const DraftMessage& draft) {
+  const auto [html, pictures] = TakePictures(DeclareUtf8(draft.html_body), draft.id + kIdDomain);
+  Owned<GMimeObject> page = TextPart("html", html);
+  if (pictures.empty()) return page;
+  Owned<GMimeObject> related = Multipart("related", std::move(page));
+  g_mime_object_set_content_type_parameter(related.get(), "type", "text/html");
+  for (const HtmlPicture& picture : pictures) {
+    GMimePart* part = g_mime_part_new_with_type("image", picture.subtype.c_str());
+    const Owned<GMimeObject> owned(GMIME_OBJECT(part));
+    SetContent(part, picture.content, GMIME_CONTENT_ENCODING_BASE64);
+    g_mime_object_set_disposition(owned.get(), GMIME_DISPOSITION_INLINE);
+    g_mime_object_set_content_id(owned.get(), picture.id.c_str());
+    g_mime_multipart_add(GMIME_MULTIPART(related.get()), owned.get());
+  }
+  return related;
+}
+
 Owned<GMimeObject> BodyPart(const DraftMessage& draft) {
   Owned<GMimeObject> body;
   if (draft.html_body.empty()) {
     body = TextPart("plain", draft.plain_body);
   } else {
     body = Multipart("alternative", TextPart("plain", HtmlToPlainText(draft.html_body)));
-    g_mime_multipart_add(GMIME_MULTIPART(body.get()),
-                         TextPart("html", DeclareUtf8(draft.html_body)).get());
+    g_mime_multipart_add(GMIME_MULTIPART(body.get()), HtmlPart(draft).get());
   }
   if (draft.attachments->empty()) return body;
   Owned<GMimeObject> mixed = Multipart("mixed", std::move(body));
@@ -196,7 +214,7 @@ std::string Compose(const DraftMessage& draft) {
   GDateTime* now = g_date_time_new_now_local();
   g_mime_message_set_date(mail, now);
   g_date_time_unref(now);
-  g_mime_message_set_message_id(mail, (draft.id + "@kestrelon.invalid").c_str());
+  g_mime_message_set_message_id(mail, (draft.id + kIdDomain).c_str());
   g_mime_message_set_mime_part(mail, BodyPart(draft).get());
   return Serialize(mail);
 }

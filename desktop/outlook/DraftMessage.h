@@ -18,6 +18,7 @@ struct DraftMessage {
   const std::vector<std::shared_ptr<Attachment>>* attachments = nullptr;
   std::string plain_body;
   std::string html_body;  // "" for a plain mail; else the plain body is derived from it
+                          // and its pictures become parts of the message
 };
 
 // The message with CRLF line ends, 7-bit throughout.

@@ -35,6 +35,11 @@ std::string ReadMessage(const fs::path& path) {
   return said;
 }
 
+// Text as Python's repr() shows it, for quotes of both kinds.
+std::string InPython(const std::string& text) {
+  return "'" + ToUtf8(ReplaceAll(ReplaceAll(FromUtf8(text), u"'", u"\\'"), u"\n", u"\\r\\n")) + "'";
+}
+
 class MailItemTest : public testing::Test {
  protected:
   fs::path Drafts() const { return folder_.path() / "box/Drafts"; }
@@ -95,6 +100,38 @@ TEST_F(MailItemTest, WritesHtmlWithAnAlternativeAndAttachmentsByType) {
   EXPECT_EQ(mail_.Get(u"Body").ToText(), u"Dear \u20AC&\n\nx");
   mail_.Put(u"Body", u"plain");
   EXPECT_EQ(mail_.Get(u"HTMLBody").ToText(), u"");
+}
+
+TEST_F(MailItemTest, PutsThePicturesOfThePageBesideIt) {
+  const std::string kKept =
+      "<!-- <img src='data:image/png;base64,AAEC'> --><p>src=\"data:image/png;base64,AAEC\" 1 < 2"
+      "<a href=\"data:image/png;base64,AAEC\">x</a><img src=\"data:image/png,AAEC\">"
+      "<img src=\"data:text/html;base64,AAEC\"><img src=\"data:image/png;base64,A*EC\">"
+      "<img src=\"data:image/;base64,AAEC\"><img src=\"data:image/png;base64,\">"
+      "<img src=\"data:image/png;base64,AAECA\"><img src=\"cid:other\"><img alt='src=' / src=";
+  const std::string html =
+      "<body BACKGROUND='data:image/gif;base64,/w=='><img alt=\"a > b\"\n SRC = "
+      "\"DATA:image/png;charset=x;Base64,AA\r\n EC\"><img src=data:image/png;base64,AAEC>"
+      "<td style=\"color: red; background: url(&quot;data:image/svg+xml;base64,PHM+&quot;)\">" +
+      kKept;
+  mail_.Put(u"HTMLBody", FromUtf8(html));
+  const std::string message = SaveAndRead();
+  EXPECT_EQ(mail_.Get(u"HTMLBody").ToText(), FromUtf8(html));
+  const std::string end = "." + ToUtf8(mail_.Get(u"EntryID").ToText()) + "@kestrelon.invalid";
+  const std::string page =
+      "<body BACKGROUND='cid:picture1" + end + "'><img alt=\"a > b\"\n SRC = \"cid:picture2" + end +
+      "\"><img src=cid:picture2" + end +
+      "><td style=\"color: red; background: url(&quot;cid:picture3" + end + "&quot;)\">" + kKept;
+  EXPECT_THAT(message, HasSubstr("multipart/alternative  ''\n  text/plain  ''\n"));
+  EXPECT_THAT(message, HasSubstr("  multipart/related  ''\n    text/html  ''\n"));
+  EXPECT_THAT(message, HasSubstr(InPython(page)));
+  EXPECT_THAT(message, testing::EndsWith("    image/gif inline '' <picture1" + end +
+                                         ">\n    = b'\\xff'\n"
+                                         "    image/png inline '' <picture2" +
+                                         end +
+                                         ">\n    = b'\\x00\\x01\\x02'\n"
+                                         "    image/svg+xml inline '' <picture3" +
+                                         end + ">\n    = b'<s>'\n"));
 }
 
 TEST_F(MailItemTest, KeepsEveryRecipientAndLetsNoneInjectAHeader) {

@@ -15,7 +15,7 @@ def addresses(header):
 
 def describe(part, depth):
     print("  " * depth + part.get_content_type(), part.get_content_disposition() or "",
-          repr(part.get_filename() or ""))
+          repr(part.get_filename() or ""), *part.get_all("Content-ID", []))
     if part.is_multipart():
         for child in part.iter_parts():
             describe(child, depth + 1)
