@@ -59,6 +59,12 @@ mode_t ModeFor(const fs::path& path) {
   return 0666 & ~mask;
 }
 
+// A rename asks the folder alone; a file that may not be written is to stay, as it would if it were
+// written in place.
+void CheckMayReplace(const fs::path& path) {
+  if (access(path.c_str(), W_OK) != 0 && errno != ENOENT) throw FileError(errno, path);
+}
+
 fs::path FollowLink(const fs::path& path) {
   std::error_code error;
   if (!fs::is_symlink(path, error)) return path;
@@ -91,6 +97,7 @@ AutomationError FileError(int error_code, const fs::path& path) {
 
 void WriteFileAtomically(const fs::path& path, std::string_view content, Durability durability) {
   const fs::path target = FollowLink(path);
+  CheckMayReplace(target);
   int raw = -1;
   const std::string temporary = CreateBeside(target, raw);
   try {
@@ -114,6 +121,7 @@ void WriteFileAtomically(const fs::path& path, std::string_view content, Durabil
 
 void MoveFileIntoPlace(const fs::path& source, const fs::path& path) {
   const fs::path target = FollowLink(path);
+  CheckMayReplace(target);
   if (chmod(source.c_str(), ModeFor(target)) != 0) throw FileError(errno, source);
   if (rename(source.c_str(), target.c_str()) == 0) return;
   if (errno != EXDEV) throw FileError(errno, target);

@@ -1,8 +1,8 @@
 // Files that are written whole or not at all, and private temporary files and folders.
 //
-// Paths are UTF-8. Failures are AutomationErrors: 76 when the folder is missing, 70 when it may not
-// be written, 53 for a missing file, 61 "Disk full", otherwise 57 "Device I/O error" with the
-// system's reason.
+// Paths are UTF-8. Failures are AutomationErrors: 76 when the folder is missing, 70 when it or the
+// file may not be written, 53 for a missing file, 61 "Disk full", otherwise 57 "Device I/O error"
+// with the system's reason.
 #pragma once
 
 #include <filesystem>

@@ -1,0 +1,44 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <functional>
+
+#include "desktop/storage/AtomicFile.h"
+
+namespace kestrelon::desktop {
+namespace {
+
+namespace fs = std::filesystem;
+
+int32_t NumberOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const AutomationError& error) {
+    return error.number();
+  }
+  return 0;
+}
+
+TEST(AtomicFile, AReadOnlyFileStaysThoughItsFolderCouldReplaceIt) {
+  if (geteuid() == 0) GTEST_SKIP() << "root may write read-only files";
+  const PrivateFolder folder("kestrelon-storage-test-");
+  const fs::path kept = folder.path() / "kept", link = folder.path() / "link";
+  const fs::path source = folder.path() / "source";
+  WriteFileAtomically(kept, "old");
+  WriteFileAtomically(source, "new");
+  fs::permissions(kept, fs::perms::owner_read);
+  fs::create_symlink(kept, link);
+  for (const fs::path& target : {kept, link}) {
+    EXPECT_EQ(NumberOf([&] { WriteFileAtomically(target, "new"); }), kPermissionDenied);
+    EXPECT_EQ(NumberOf([&] { MoveFileIntoPlace(source, target); }), kPermissionDenied);
+  }
+  EXPECT_EQ(ReadWholeFile(kept), "old");
+  EXPECT_EQ(ReadWholeFile(source), "new");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
+  fs::permissions(kept, fs::perms::owner_all);
+  MoveFileIntoPlace(source, link);
+  EXPECT_EQ(ReadWholeFile(kept), "new");
+}
+
+}  // namespace
+}  // namespace kestrelon::desktop
