@@ -8,6 +8,7 @@
 #include <cstdlib>
 
 #include "desktop/storage/AtomicFile.h"
+#include "desktop/storage/Paths.h"
 
 namespace kestrelon::desktop {
 namespace fs = std::filesystem;
@@ -63,9 +64,17 @@ String NewEntryId() {
 
 fs::path WriteDraft(StringView entry_id, std::string_view message) {
   const fs::path folder = MailboxFolder() / "Drafts";
-  CreateFolders(folder);
   const fs::path path = folder / (ToUtf8(entry_id) + ".eml");
-  WriteFileAtomically(path, message, Durability::kPowerLoss);
+  try {
+    CreateFolders(folder);
+    WriteFileAtomically(path, message, Durability::kPowerLoss);
+  } catch (const AutomationError& error) {
+    throw AutomationError(error.number(), error.description() +
+                                              u". The mail cannot be saved in \"" +
+                                              TextFromPath(folder) +
+                                              u"\". Make that folder writable, or set "
+                                              u"KESTRELON_MAILBOX to another folder.");
+  }
   return path;
 }
 

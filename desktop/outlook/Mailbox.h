@@ -17,7 +17,8 @@ std::filesystem::path MailboxFolder();
 // 32 random hexadecimal digits.
 String NewEntryId();
 
-// Writes or replaces a draft, safe against a power loss; the path of its file.
+// Writes or replaces a draft, safe against a power loss; the path of its file. The errors
+// of desktop/storage, with the folder and what to do in the description.
 std::filesystem::path WriteDraft(StringView entry_id, std::string_view message);
 
 }  // namespace kestrelon::desktop

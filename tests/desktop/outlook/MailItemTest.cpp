@@ -219,6 +219,16 @@ TEST_F(MailItemTest, SaysWhatCannotBeAttachedOrCreated) {
   EXPECT_TRUE(outlook.CallChild(u"ActiveExplorer").IsNothing());
 }
 
+TEST_F(MailItemTest, SaysWhichMailboxCannotBeWritten) {
+  WriteFile("box", "a file");
+  const AutomationError error = ErrorOf([&] { mail_.Call(u"Save"); });
+  EXPECT_EQ(error.number(), kPathNotFound);
+  EXPECT_THAT(ToUtf8(error.description()),
+              testing::AllOf(testing::StartsWith("Path not found. "), HasSubstr(Drafts().string()),
+                             HasSubstr("KESTRELON_MAILBOX")));
+  EXPECT_EQ(mail_.Get(u"EntryID").ToText(), u"");
+}
+
 TEST_F(MailItemTest, SavesBesideTheDataOfTheUser) {
   const ChangedEnvironment none("KESTRELON_MAILBOX", "");
   const ChangedEnvironment data("XDG_DATA_HOME", (folder_.path() / "data").string());
