@@ -73,10 +73,6 @@ std::string BodyText(std::string_view text) {
   return body;
 }
 
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
-}
-
 // A name without an address is an empty group: the one form that a header has for it. The library
 // does not fold it, so what is too long for a line of a message is cut.
 Owned<InternetAddress> NameAlone(const String& name) {
@@ -89,13 +85,8 @@ Owned<InternetAddress> AddressOf(const Recipient& recipient) {
   if (recipient.address().empty()) return NameAlone(recipient.name());
   const bool has_name = recipient.name() != recipient.address();
   const std::string name = has_name ? HeaderText(ToUtf8(recipient.name())) : "";
-  Owned<InternetAddress> mailbox(internet_address_mailbox_new(has_name ? name.c_str() : nullptr,
-                                                              ToUtf8(recipient.address()).c_str()));
-  // A domain that no encoding brings into a header.
-  if (!IsAscii(internet_address_mailbox_get_idn_addr(INTERNET_ADDRESS_MAILBOX(mailbox.get())))) {
-    return NameAlone(recipient.text());
-  }
-  return mailbox;
+  return Owned<InternetAddress>(internet_address_mailbox_new(has_name ? name.c_str() : nullptr,
+                                                             ToUtf8(recipient.address()).c_str()));
 }
 
 void AddRecipients(GMimeMessage* message,

@@ -21,7 +21,8 @@ struct DraftMessage {
                           // and its pictures become parts of the message
 };
 
-// The message with CRLF line ends, 7-bit throughout.
+// The message with CRLF line ends, 7-bit throughout but for addresses that have no such form: those
+// stand in UTF-8, as internationalized mail has them.
 std::string Compose(const DraftMessage& draft);
 
 }  // namespace kestrelon::desktop

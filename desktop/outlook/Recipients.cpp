@@ -5,17 +5,19 @@
 namespace kestrelon::desktop {
 namespace {
 
+bool IsControlOrBlank(char16_t c) {
+  return c <= u' ' || (c >= 0x7F && c <= 0xA0) || (c >= 0x2000 && c <= 0x200F) ||
+         (c >= 0x2028 && c <= 0x202F) || c == 0x3000;
+}
+
 // Strict on purpose: what is not plainly an address is kept as a name, and nothing is lost.
 bool IsAddress(StringView text) {
   const size_t at = text.find(u'@');
   if (at == 0 || at == StringView::npos || at + 1 == text.size()) return false;
   if (text.find(u'@', at + 1) != StringView::npos) return false;
-  const StringView local = text.substr(0, at);
-  const bool is_ascii =
-      std::all_of(local.begin(), local.end(), [](char16_t c) { return c < 0x7F; });
-  return is_ascii && std::none_of(text.begin(), text.end(), [](char16_t c) {
-           return c <= u' ' || StringView(u"<>()[]\\,;:\"").find(c) != StringView::npos;
-         });
+  return std::none_of(text.begin(), text.end(), [](char16_t c) {
+    return IsControlOrBlank(c) || StringView(u"<>()[]\\,;:\"").find(c) != StringView::npos;
+  });
 }
 
 String WithoutQuotes(const String& name) {

@@ -144,7 +144,10 @@ TEST_F(MailItemTest, KeepsEveryRecipientAndLetsNoneInjectAHeader) {
   EXPECT_EQ(joerg.Get(u"Name").ToText(), u"J\u00F6rg, M");
   EXPECT_TRUE(joerg.Get(u"Resolved").ToBoolean());
   recipients.CallChild(u"Add", u"boss@example.org").Put(u"Type", 2);
-  mail_.Put(u"BCC", u"a@b.c; ;d@e.f;\u2603@x.y;a@-\u2603.;a@b@c;" + String(2000, u'\u20AC'));
+  mail_.Put(u"BCC",
+            u"a@b.c; ;d@e.f;\u2603@x.y;\u00DC "
+            u"<\u00FC@\u00FC.example>;a@-\u2603.y;\u2603\u00A0@x.y;a@b@c;" +
+                String(2000, u'\u20AC'));
   mail_.Put(u"Subject", u"Ren\u00E9\r\nX-Evil: 2\n\n" + String(200, u'\u20AC'));
   std::string euros;
   for (int i = 0; i < 200; ++i) euros += "\u20AC";
@@ -157,7 +160,8 @@ TEST_F(MailItemTest, KeepsEveryRecipientAndLetsNoneInjectAHeader) {
                 "To name 'ENTER THE E-MAIL ADDRESS, \"HERE\"  X-Evil: 1'\n"
                 "To 'J\u00F6rg, M' j@xn--mller-kva.example\n"
                 "Cc '' boss@example.org\nBcc '' a@b.c\nBcc '' d@e.f\n"
-                "Bcc name '\u2603@x.y'\nBcc name 'a@-\u2603.'\nBcc name 'a@b@c'\nBcc name '" +
+                "Bcc '' \u2603@x.y\nBcc '\u00DC' \u00FC@xn--tda.example\nBcc '' a@-\u2603.y\n"
+                "Bcc name '\u2603\\xa0@x.y'\nBcc name 'a@b@c'\nBcc name '" +
                 euros.substr(0, 60)));
 }
 
