@@ -8,6 +8,7 @@
 
 #include "desktop/word/document/BoundData.h"
 #include "desktop/word/document/DocumentPart.h"
+#include "desktop/word/document/ReadingCopy.h"
 #include "desktop/word/document/Sections.h"
 #include "desktop/word/document/StoryText.h"
 #include "desktop/word/package/Package.h"
@@ -38,6 +39,17 @@ bool HoldsMacros(std::string_view content_type) {
 
 bool IsDocument(std::string_view content_type) {
   return std::find(kContentTypes.begin(), kContentTypes.end(), content_type) != kContentTypes.end();
+}
+
+void RemoveMacros(Package& package) {
+  for (const std::string& name : package.PartNames()) {
+    if (HoldsMacros(package.ContentType(name))) package.Remove(name);
+  }
+}
+
+void SetKind(Package& package, const std::string& main_part, DocumentKind kind) {
+  if (kind == DocumentKind::kDocx || kind == DocumentKind::kDotx) RemoveMacros(package);
+  package.SetContentType(main_part, kContentTypes[static_cast<size_t>(kind)]);
 }
 
 // The notes or comments that someone wrote; separators and the like are not among them.
@@ -114,12 +126,6 @@ struct Document::Implementation {
       package->Replace(name, part->tree.Write());
     }
   }
-
-  void RemoveMacros() {
-    for (const std::string& name : package->PartNames()) {
-      if (HoldsMacros(package->ContentType(name))) package->Remove(name);
-    }
-  }
 };
 
 Document::Document() : self_(std::make_unique<Implementation>()) {}
@@ -181,9 +187,17 @@ Story* Document::NextStory(const Story& story) {
 std::string Document::Save(DocumentKind kind) {
   Implementation& self = *self_;
   self.WriteParts();
-  if (kind == DocumentKind::kDocx || kind == DocumentKind::kDotx) self.RemoveMacros();
-  self.package->SetContentType(self.main_part, kContentTypes[static_cast<size_t>(kind)]);
+  SetKind(*self.package, self.main_part, kind);
   return self.package->Write();
+}
+
+std::string Document::SaveForReading() {
+  Implementation& self = *self_;
+  self.WriteParts();
+  const std::unique_ptr<Package> copy = Package::Open(self.package->Write());
+  SetKind(*copy, self.main_part, DocumentKind::kDocx);
+  LeaveOnlyWhatIsRead(*copy, self.main_part);
+  return copy->Write();
 }
 
 bool Document::changed() const { return self_->changed || self_->HasUnsavedEdits(); }

@@ -34,6 +34,9 @@ class Document {
   // The bytes of the package. A template becomes a document and the other way round, as `kind`
   // says; macros are left out where the kind has none.
   std::string Save(DocumentKind kind);
+  // A document (.docx) for a converter to print: without what is tracked as deleted or moved away,
+  // and without comments. Nothing changes in this document. Error 5792 for a damaged part.
+  std::string SaveForReading();
   // True once an edit has changed a text.
   bool changed() const;
 

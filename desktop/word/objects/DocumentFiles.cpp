@@ -148,8 +148,7 @@ void WriteDocument(Document& document, const SaveTarget& target) {
       return;
     }
     const fs::path name = target.path.stem() += ".docx";
-    Converter::OfThisProcess().Convert(document.Save(DocumentKind::kDocx), name, target.path,
-                                       row.converter);
+    Converter::OfThisProcess().Convert(document.SaveForReading(), name, target.path, row.converter);
   });
 }
 

@@ -44,7 +44,9 @@ SaveTarget ResolveSaveTarget(std::filesystem::path path, std::optional<FileForma
 // Error 4120 for a number that is not written here.
 FileFormat FormatOfNumber(int32_t number);
 
-// Replaces the file in one step; an existing file is never left half written.
+// A document of the engine's own formats is written with all that it holds, any other as it reads,
+// without tracked deletions and comments. Replaces the file in one step; an existing file is never
+// left half written.
 void WriteDocument(Document& document, const SaveTarget& target);
 
 }  // namespace kestrelon::desktop::word

@@ -52,12 +52,18 @@ enum class Name : uint8_t {
   kInserted,
   kDeleted,
   kMovedFrom,
+  kMovedFromStart,
+  kMovedFromEnd,
   kMovedTo,
   kPlaceholderShown,
   kRichDataBinding,
   kRichText,
   kSimpleField,
   kSmartTag,
+  // Where a comment is anchored.
+  kCommentStart,
+  kCommentEnd,
+  kCommentReference,
   // Runs and what is in them.
   kRun,
   kRunProperties,

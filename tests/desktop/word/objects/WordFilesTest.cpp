@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
+
 #include "desktop/opener/Opener.h"
 #include "tests/desktop/opener/RecordingOpener.h"
 #include "tests/desktop/word/objects/WordWorld.h"
@@ -142,6 +144,55 @@ TEST(Converted, FieldsShowTheNameOfTheTarget) {
   letter.Call(u"SaveAs", world.Path("Letter %20 \u00C4.htm"), 8);
   EXPECT_NE(world.Read("Letter %20 \u00C4.htm").find("Letter %20 \xC4.docx"), std::string::npos)
       << world.Read("Letter %20 \u00C4.htm");
+}
+
+TEST(Converted, TellsTheReaderNeitherWhatWasDeletedNorTheComments) {
+  const WordWorld world;
+  const auto gone = [](const std::string& text) {
+    return "<w:del w:id=\"1\" w:author=\"a\">" + Rx(Element("delText", text)) + "</w:del>";
+  };
+  const std::string header = "<w:hdr xmlns:w=\"" + std::string(kWordUri) + "\">" +
+                             P(R("head"), gone("headsecret")) + "</w:hdr>";
+  const std::string comments = "<w:comments xmlns:w=\"" + std::string(kWordUri) +
+                               "\"><w:comment w:id=\"0\" w:author=\"a\">" + P(R("note")) +
+                               "</w:comment></w:comments>";
+  const std::string type = "application/vnd.openxmlformats-officedocument.wordprocessingml.";
+  const std::string moved = "<w:moveFromRangeStart w:id=\"3\" w:name=\"m\"/><w:moveFrom>" +
+                            R("movesecret") + "</w:moveFrom><w:moveFromRangeEnd w:id=\"3\"/>";
+  const std::string body =
+      P("<w:commentRangeStart w:id=\"0\"/>", R("kept "), gone("mainsecret"), moved,
+        "<w:ins w:id=\"2\" w:author=\"a\">" + R("added") + "</w:ins>",
+        "<w:commentRangeEnd w:id=\"0\"/>", Rx("<w:commentReference w:id=\"0\"/>")) +
+      Tbl(Tr(C("cell")), Tr("<w:trPr><w:del w:id=\"4\"/></w:trPr>", C("rowsecret"))) + P() +
+      Element("sectPr", "<w:headerReference w:type=\"default\" r:id=\"rId1\"/>");
+  // The converter wants the real namespace of relationships.
+  const std::string main =
+      ToUtf8(ReplaceAll(FromUtf8(Main(body)), u"urn:r",
+                        u"http://schemas.openxmlformats.org/officeDocument/2006/relationships"));
+  const String path = world.Write(
+      "reviewed.docx",
+      Packed(main, {{"/x/header.xml", "/header", header, type + "header+xml"},
+                    {"/x/comments.xml", "/comments", comments, type + "comments+xml"}}));
+  const Object letter = world.word.GetChild(u"Documents").CallChild(u"Open", path);
+  letter.Call(u"ExportAsFixedFormat", world.Path("a.pdf"), 17);
+  letter.Call(u"SaveAs", world.Path("a.htm"), 8);
+  letter.Call(u"SaveAs", world.Path("saved.docx"), 16);
+  const std::string command =
+      "pdftotext " + ToUtf8(world.Path("a.pdf")) + " " + ToUtf8(world.Path("pdf.txt"));
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  for (const char* name : {"pdf.txt", "a.htm"}) {
+    SCOPED_TRACE(name);
+    const std::string text = world.Read(name);
+    for (const char* kept : {"kept", "added", "head", "cell"}) {
+      EXPECT_NE(text.find(kept), std::string::npos) << kept;
+    }
+    EXPECT_EQ(text.find("secret"), std::string::npos) << text;
+    EXPECT_EQ(text.find("note"), std::string::npos) << text;
+  }
+  const std::string saved = world.Read("saved.docx");
+  EXPECT_EQ(PartOf(saved, "/letter/main.xml"), main);
+  EXPECT_EQ(PartOf(saved, "/x/header.xml"), header);
+  EXPECT_EQ(PartOf(saved, "/x/comments.xml"), comments);
 }
 
 // What Visible does with the documents, as the opener tells it.
