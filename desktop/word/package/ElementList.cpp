@@ -17,14 +17,6 @@ std::string_view View(const xmlChar* text) {
   return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
 }
 
-[[noreturn]] void RefuseXml(std::string_view part, const std::string& what) {
-  RefusePackage("the XML of " + Quoted(part) + " " + what);
-}
-
-[[noreturn]] void RefuseDoctypeIn(std::string_view part) {
-  RefuseXml(part, "has a DOCTYPE, which documents may not have");
-}
-
 // By its beginning and what it says of itself; the parser checks every character.
 bool IsUtf8(std::string_view text) {
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
@@ -86,7 +78,7 @@ class ElementList::Reader {
     xmlCtxtUseOptions(context_.get(), XML_PARSE_IGNORE_ENC | XML_PARSE_NOENT | XML_PARSE_NONET |
                                           XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
     const int failed = xmlParseDocument(context_.get());
-    if (doctype_) RefuseDoctypeIn(part_);
+    if (doctype_) RefuseXml(part_, "has a DOCTYPE, which documents may not have");
     if (too_deep_) RefuseXml(part_, "is nested deeper than 256 levels");
     if (failed != 0 || context_->wellFormed == 0) RefuseXml(part_, "is damaged" + Reason());
     if (!right_root_) RefuseXml(part_, "does not hold " + Quoted(root_));
@@ -237,34 +229,6 @@ void ElementList::Replace(size_t index, const Attributes& attributes) {
 void ElementList::Erase(size_t index) {
   Splice(elements_[index].begin, elements_[index].end, "");
   elements_.erase(elements_.begin() + static_cast<ptrdiff_t>(index));
-}
-
-void RefuseDoctype(std::string_view start, std::string_view part) {
-  // UTF-16 shows as ASCII with zeros between; a byte order mark is no matter of ours.
-  std::string squeezed;
-  if (start.substr(0, 4).find('\0') != std::string_view::npos) {
-    std::ranges::copy_if(start, std::back_inserter(squeezed), [](char c) { return c != '\0'; });
-    start = squeezed;
-  }
-  if (start.empty()) return;
-  while (true) {
-    const size_t at = start.find('<');
-    if (at == std::string_view::npos) RefuseXml(part, "does not begin with an element");
-    start.remove_prefix(at);
-    std::string_view closing;
-    if (start.starts_with("<?")) {
-      closing = "?>";
-    } else if (start.starts_with("<!--")) {
-      closing = "-->";
-    } else if (start.starts_with("<!")) {
-      RefuseDoctypeIn(part);
-    } else {
-      return;
-    }
-    const size_t end = start.find(closing, 2);
-    if (end == std::string_view::npos) RefuseXml(part, "does not begin with an element");
-    start.remove_prefix(end + closing.size());
-  }
 }
 
 }  // namespace kestrelon::desktop::word

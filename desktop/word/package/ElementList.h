@@ -56,7 +56,4 @@ class ElementList {
   bool changed_ = false;
 };
 
-// `start`, the beginning of an XML part, must come to its root element without a DOCTYPE.
-void RefuseDoctype(std::string_view start, std::string_view part);
-
 }  // namespace kestrelon::desktop::word

@@ -8,6 +8,7 @@
 #include "desktop/word/package/PackageError.h"
 #include "desktop/word/package/PackageXml.h"
 #include "desktop/word/package/PartName.h"
+#include "desktop/word/package/XmlScan.h"
 #include "desktop/word/package/ZipReader.h"
 #include "desktop/word/package/ZipWriter.h"
 
@@ -90,10 +91,13 @@ void Package::Implementation::ReadContentTypes() {
 void Package::Implementation::VerifyEntries() {
   Inflater verifier(bytes);
   for (const Entry& entry : entries) {
-    const std::string_view start = verifier.Verify(*entry.original);
-    if (IsRelationshipsPart(entry.name) || IsDocumentXml(types->TypeOf(entry.name))) {
-      RefuseDoctype(start, entry.name);
+    if (!IsRelationshipsPart(entry.name) && !IsDocumentXml(types->TypeOf(entry.name))) {
+      verifier.Verify(*entry.original, [](std::string_view) {});
+      continue;
     }
+    XmlScan scan(entry.name);
+    verifier.Verify(*entry.original, [&](std::string_view piece) { scan.Read(piece); });
+    scan.Finish();
   }
 }
 

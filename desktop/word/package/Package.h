@@ -9,7 +9,8 @@
 // content is used: no zip, encrypted or multi-disk archives, zip64, duplicate or overlapping
 // entries, names leading outside, more than 1,000 entries, damaged entries, a part over 256 MiB,
 // or, above 100 KiB, one that inflates to more than 100 times its compressed size (actual bytes
-// counted, not the header's word), an XML part with a DOCTYPE. Documents of Word 97-2003 and
+// counted, not the header's word), an XML part with a DOCTYPE, nested deeper than 256, or whose
+// elements are not all closed. Documents of Word 97-2003 and
 // documents with a password are recognised and called so.
 #pragma once
 

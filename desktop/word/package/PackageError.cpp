@@ -11,6 +11,10 @@ void RefusePackage(const std::string& reason, std::string_view remedy) {
                                                    ". " + std::string(remedy)));
 }
 
+void RefuseXml(std::string_view part, const std::string& what) {
+  RefusePackage("the XML of " + Quoted(part) + " " + what);
+}
+
 std::string Quoted(std::string_view name) {
   constexpr size_t kLongest = 100;
   std::string shown(name.substr(0, kLongest));

@@ -15,7 +15,7 @@
 namespace kestrelon::desktop::word {
 namespace {
 
-constexpr size_t kBeginning = 64 << 10;
+constexpr size_t kChunk = 64 << 10;
 // Entries up to this size are verified in one piece, larger ones in chunks.
 constexpr size_t kLargestScratch = 4 << 20;
 
@@ -223,24 +223,24 @@ Buffer Inflater::Inflate(const ZipEntry& entry) {
   return buffer;
 }
 
-std::string_view Inflater::Verify(const ZipEntry& entry) {
+void Inflater::Verify(const ZipEntry& entry, const Reader& reader) {
   if (entry.method == kStored) {
     const std::string_view content = archive_.substr(entry.data, entry.size);
     if (libdeflate_crc32(0, content.data(), content.size()) != entry.crc) {
       RefuseDamaged("the checksum of the entry " + Quoted(entry.name) + " is wrong");
     }
-    return content.substr(0, kBeginning);
+    return reader(content);
   }
-  const size_t needed = entry.size > kLargestScratch ? 2 * kBeginning : entry.size;
+  const size_t needed = entry.size > kLargestScratch ? kChunk : entry.size;
   if (scratch_.size < needed) scratch_ = {std::make_unique_for_overwrite<char[]>(needed), needed};
-  if (entry.size > kLargestScratch) return VerifyByChunks(entry);
+  if (entry.size > kLargestScratch) return VerifyByChunks(entry, reader);
   InflateInto(entry, scratch_.data.get());
-  return scratch_.view().substr(0, std::min<size_t>(entry.size, kBeginning));
+  reader(scratch_.view().substr(0, entry.size));
 }
 
 // libdeflate wants the whole output in one piece; for a large entry that nobody may ever read, zlib
 // does with a window.
-std::string_view Inflater::VerifyByChunks(const ZipEntry& entry) {
+void Inflater::VerifyByChunks(const ZipEntry& entry, const Reader& reader) {
   z_stream stream{};
   if (inflateInit2(&stream, -MAX_WBITS) != Z_OK) throw std::bad_alloc();
   const std::unique_ptr<z_stream, int (*)(z_stream*)> owner(&stream, inflateEnd);
@@ -251,15 +251,15 @@ std::string_view Inflater::VerifyByChunks(const ZipEntry& entry) {
   uint32_t crc = 0;
   int result = Z_OK;
   while (result == Z_OK) {
-    // The first chunk stays; the later ones overwrite each other behind it.
-    char* chunk = scratch_.data.get() + (total == 0 ? 0 : kBeginning);
+    char* const chunk = scratch_.data.get();
     stream.next_out = reinterpret_cast<Bytef*>(chunk);
-    stream.avail_out = kBeginning;
+    stream.avail_out = kChunk;
     result = inflate(&stream, Z_NO_FLUSH);
-    const size_t produced = kBeginning - stream.avail_out;
+    const size_t produced = kChunk - stream.avail_out;
     crc = libdeflate_crc32(crc, chunk, produced);
     total += produced;
     if (total > entry.size) RefuseEntry(entry, "inflates to more than it says", kNotFromUs);
+    reader({chunk, produced});
   }
   if (result != Z_STREAM_END || total != entry.size || stream.avail_in != 0) {
     RefuseDamaged("the entry " + Quoted(entry.name) + " does not inflate");
@@ -267,7 +267,6 @@ std::string_view Inflater::VerifyByChunks(const ZipEntry& entry) {
   if (crc != entry.crc) {
     RefuseDamaged("the checksum of the entry " + Quoted(entry.name) + " is wrong");
   }
-  return scratch_.view().substr(0, kBeginning);
 }
 
 }  // namespace kestrelon::desktop::word

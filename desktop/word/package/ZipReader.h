@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -58,13 +59,14 @@ class Inflater {
   ~Inflater();
 
   Buffer Inflate(const ZipEntry& entry);
-  // Inflates the entry only to see that it is sound, in little memory whatever its size. Returns
-  // the beginning of its content (up to 64 KiB), valid until the next call.
-  std::string_view Verify(const ZipEntry& entry);
+  // Inflates the entry only to see that it is sound, in little memory whatever its size. Its
+  // content is shown to `reader` piece by piece.
+  using Reader = std::function<void(std::string_view piece)>;
+  void Verify(const ZipEntry& entry, const Reader& reader);
 
  private:
   void InflateInto(const ZipEntry& entry, char* target);
-  std::string_view VerifyByChunks(const ZipEntry& entry);
+  void VerifyByChunks(const ZipEntry& entry, const Reader& reader);
 
   std::string_view archive_;
   libdeflate_decompressor* decompressor_;

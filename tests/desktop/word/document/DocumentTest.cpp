@@ -175,8 +175,8 @@ TEST(Open, RefusesWhatIsNoDocument) {
   for (const std::string& bytes : cases) {
     EXPECT_EQ(ErrorOf([&] { Document::Open(bytes); }), 5792);
   }
-  const auto document =
-      Open(P() + Section(Reference("header", "default", 1)), {{"/x/h.xml", "/header", "<broken"}});
+  const auto document = Open(P() + Section(Reference("header", "default", 1)),
+                             {{"/x/h.xml", "/header", "<broken></other>"}});
   EXPECT_EQ(ErrorOf([&] { document->FirstStories(); }), 5792);
   EXPECT_EQ(ErrorOf([&] { document->FirstStories(); }), 5792);
   document->Main().Replace({0, 0}, u"x");

@@ -38,6 +38,18 @@ std::string Text(size_t size) {
   return text;
 }
 
+std::string Repeated(const std::string& text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+std::string Utf16(const std::string& ascii) {
+  std::string bytes = "\xFF\xFE";
+  for (const char c : ascii) bytes.append({c, '\0'});
+  return bytes;
+}
+
 struct EntryCase {
   const char* oddity;
   TestEntry entry;
@@ -111,7 +123,20 @@ TEST(HostilePackage, RefusesAnEntryThatIsNotWhatItShouldBe) {
        "DOCTYPE"},
       {"DOCTYPE far behind",
        {.name = "x.xml", .content = std::string(70'000, '\n') + "<!DOCTYPE"},
-       "begin with an element"},
+       "has a DOCTYPE"},
+      {"deep header", {.name = "x.xml", .content = Repeated("<a>", 300)}, "256 levels"},
+      {"deep in UTF-16", {.name = "x.xml", .content = Utf16(Repeated("<a>", 300))}, "256 levels"},
+      {"deep behind a comment that only looks closed",
+       {.name = "x.xml", .content = "<!--><a b='-->" + Repeated("<a>", 300) + "'/>"},
+       "256 levels"},
+      {"deep and large",
+       {.name = "x.xml", .content = Text(5'000'000) + Repeated("<a>", 300)},
+       "256 levels"},
+      {"cut between elements", {.name = "x.xml", .content = "<a><b/>"}, "ends before"},
+      {"cut in a tag", {.name = "x.xml", .content = "<a/><b c='>"}, "ends before"},
+      {"cut in a comment", {.name = "x.xml", .content = "<a/><!-- ->"}, "ends before"},
+      {"closed too often", {.name = "x.xml", .content = "<a></a></a>"}, "never opened"},
+      {"no element", {.name = "x.xml", .content = "text"}, "begin with an element"},
   };
   for (const EntryCase& test : cases) {
     SCOPED_TRACE(test.oddity);
@@ -207,6 +232,12 @@ TEST(HostilePackage, AcceptsWhatIsOddButSound) {
       {.name = "Übersicht", .content = "y", .flags = kFlagUtf8},
       {.name = "small bomb", .content = std::string(100 << 10, 'a')},
       {.name = "large", .content = Text(5'000'000)},
+      {.name = "deepest.xml", .content = Repeated("<a>", 256) + Repeated("</a>", 256)},
+      {.name = "markup.xml",
+       .content = "<?x <a> ?><a b='/>' c=\"'>\"><![CDATA[<a>]] ><a>]]><!-- <a> -> --><b /></a >"},
+      {.name = "utf16.xml", .content = Utf16("<a b='>'/>")},
+      {.name = "large.xml", .content = Text(5'000'000) + "</t>"},
+      {.name = "empty.xml", .content = ""},
       {.name = "picture.svg", .content = "<!DOCTYPE svg><svg/>"},
   };
   for (const TestEntry& entry : cases) {
