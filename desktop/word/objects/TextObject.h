@@ -27,6 +27,7 @@ Value MakeTables(const Owner& owner, Story& story, Span span);
 // The part of `span` that may be replaced or deleted: the last paragraph mark of a story stays.
 Span WithoutLastMark(const Story& story, Span span);
 // `span` with one end moved by `count` units, within the story; the other end gives way.
+// A surrogate pair is one character.
 // Error 4120 for units other than character (1) and story (6).
 Span MoveStartOf(const Story& story, Span span, int32_t unit, int32_t count);
 Span MoveEndOf(const Story& story, Span span, int32_t unit, int32_t count);

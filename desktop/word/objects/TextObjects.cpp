@@ -9,6 +9,13 @@ constexpr int32_t kUnitCharacter = 1;
 constexpr int32_t kUnitStory = 6;
 constexpr int32_t kWithInTable = 12;
 
+// A character beyond U+FFFF, two units, begins at `position`.
+bool IsPair(const Story& story, int32_t position) {
+  if (position < 0 || position + 2 > story.Length()) return false;
+  const String text = story.Text({position, position + 2});
+  return text.size() == 2 && (text[0] & 0xFC00) == 0xD800 && (text[1] & 0xFC00) == 0xDC00;
+}
+
 // Where `position` lands when it is moved by `count` units.
 int32_t Moved(const Story& story, int32_t position, int32_t unit, int32_t count) {
   const int32_t length = story.Length();
@@ -17,8 +24,10 @@ int32_t Moved(const Story& story, int32_t position, int32_t unit, int32_t count)
     throw BadParameter(u"Unit " + Value(unit).ToText() +
                        u" is not known here. Use 1 (character) or 6 (story).");
   }
-  const int64_t target = int64_t{position} + count;
-  return static_cast<int32_t>(std::clamp<int64_t>(target, 0, length));
+  if (unit == kUnitStory) return position;
+  for (; count > 0 && position < length; --count) position += IsPair(story, position) ? 2 : 1;
+  for (; count < 0 && position > 0; ++count) position -= IsPair(story, position - 2) ? 2 : 1;
+  return position;
 }
 
 }  // namespace

@@ -135,5 +135,16 @@ TEST(Word, ADocumentOutlivesTheReferenceToItsApplication) {
   EXPECT_EQ(letter.GetChild(u"Application").Get(u"Version").ToText(), u"16.0");
 }
 
+TEST(Range, MovesOverPairsOfSurrogatesAsOneCharacter) {
+  const WordWorld world;
+  const Object letter = world.NewLetter(Tbl(Tr(C("a\xF0\x9F\x98\x80"))) + P(R("b")));
+  const Object range = letter.CallChild(u"Range", 0, 4);
+  EXPECT_EQ(range.Call(u"MoveEnd", 1, -1).ToLong(), -1);
+  EXPECT_EQ(range.Call(u"MoveEnd", 1, -1).ToLong(), -2);
+  EXPECT_EQ(range.Call(u"MoveStart", 1, 2).ToLong(), 3);
+  range.Call(u"Delete", 1, -1);
+  EXPECT_EQ(TextOf(letter), u"a\r\a\r\ab\r");
+}
+
 }  // namespace
 }  // namespace kestrelon::desktop::word
