@@ -86,6 +86,17 @@ bool NeedsConverter(const fs::path& path, std::string_view bytes) {
   return bytes.starts_with(kRtfSignature) || Contains(kReadByConverter, ExtensionOf(path));
 }
 
+bool IsFolder(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_directory(path, ignored);
+}
+
+// A pipe or device: reading could wait for ever, and replacing would take it away from others.
+bool IsSpecialFile(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_other(path, ignored);
+}
+
 // Runs `action`; its errors name the file.
 template <typename Action>
 auto NamingFile(const fs::path& path, const Action& action) {
@@ -112,10 +123,35 @@ FileFormat FormatOfExtension(const String& extension) {
   return FileFormat::kDefault;
 }
 
+bool IsKnownExtension(const String& extension) {
+  return Contains(kReadByConverter, extension) || Contains(kNotWritten, extension) ||
+         std::any_of(kFormats.begin(), kFormats.end(),
+                     [&](const FormatRow& row) { return row.extension == extension; });
+}
+
+// ".docx" alone is what a script writes whose name came out empty.
+void RequireFileName(const fs::path& path) {
+  const String name = LowerCase(TextFromPath(path.filename()));
+  if (name.empty() || IsKnownExtension(name)) {
+    throw BadParameter(TextFromPath(path) + u" lacks the name of a file. Add it to the folder" +
+                       (name.empty() ? u"." : u", before the extension."));
+  }
+}
+
+void RefuseToReplace(const fs::path& path) {
+  throw BadParameter(TextFromPath(path) +
+                     u" is a folder or device and cannot be replaced. Give another file name.");
+}
+
 }  // namespace
 
 std::unique_ptr<Document> ReadDocument(const fs::path& path) {
   return NamingFile(path, [&] {
+    if (IsFolder(path) || IsSpecialFile(path)) {
+      throw AutomationError(kPermissionDenied,
+                            u"Permission denied: a folder or device is no "
+                            u"document. Give the path of a file.");
+    }
     std::string bytes = ReadWholeFile(path, kLargestFile);
     if (NeedsConverter(path, bytes)) {
       bytes = Converter::OfThisProcess().ConvertToBytes(path, ConversionFormat::kDocx);
@@ -134,9 +170,12 @@ FileFormat FormatOfNumber(int32_t number) {
 }
 
 SaveTarget ResolveSaveTarget(fs::path path, std::optional<FileFormat> format) {
+  RequireFileName(path);
+  if (IsSpecialFile(path)) RefuseToReplace(path);
   const String extension = ExtensionOf(path);
   const FileFormat chosen = format ? *format : FormatOfExtension(extension);
   if (extension.empty()) path += ToUtf8(RowOf(chosen).extension);
+  if (IsFolder(path)) RefuseToReplace(path);
   return {std::move(path), chosen};
 }
 

@@ -40,6 +40,7 @@ struct SaveTarget {
 // What `SaveAs path, format` means. Without a format the extension decides: an unknown one, and
 // .pdf, get a .docx document under that very name; a path without one has that of the format
 // appended. Error 4198 for the extension of a format that Word knows and that is not written here.
+// Error 4120 for a path without a file name, for a folder and for a device.
 SaveTarget ResolveSaveTarget(std::filesystem::path path, std::optional<FileFormat> format);
 // Error 4120 for a number that is not written here.
 FileFormat FormatOfNumber(int32_t number);

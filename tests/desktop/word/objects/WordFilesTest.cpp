@@ -43,6 +43,8 @@ TEST(SaveAs, SaysWhatIsWrongAndLeavesTheDocumentAsItWas) {
   const WordWorld world;
   const Object letter = world.NewLetter(P(R("text")));
   letter.GetChild(u"Content").Put(u"Text", u"changed");
+  ASSERT_EQ(mkfifo(ToUtf8(world.Path("pipe")).c_str(), 0600), 0);
+  fs::create_directory(PathFromText(world.Path("folder.docx")));
   const struct {
     std::function<void()> action;
     int32_t number;
@@ -51,6 +53,10 @@ TEST(SaveAs, SaysWhatIsWrongAndLeavesTheDocumentAsItWas) {
       {[&] { letter.Call(u"SaveAs", world.Path("none/a.docx")); }, kPathNotFound, u"none/a.docx"},
       {[&] { letter.Call(u"SaveAs", world.Path("a.rtf")); }, 4198, u".rtf files"},
       {[&] { letter.Call(u"SaveAs", world.Path("a.docx"), 99); }, 4120, u"FileFormat 99"},
+      {[&] { letter.Call(u"SaveAs", world.Path(".Docx")); }, 4120, u"lacks the name"},
+      {[&] { letter.Call(u"SaveAs", world.Path("")); }, 4120, u"lacks the name"},
+      {[&] { letter.Call(u"SaveAs", world.Path("pipe")); }, 4120, u"folder or device"},
+      {[&] { letter.Call(u"SaveAs", world.Path("folder.docx")); }, 4120, u"folder or device"},
       {[&] { letter.Call(u"SaveAs", u""); }, 4120, u"empty"},
       {[&] { letter.Call(u"SaveAs", world.Path("a.docx"), Named(u"Password", u"x")); }, 4120,
        u"password"},
@@ -88,6 +94,7 @@ TEST(Close, SavesChangesOnlyWhenToldTo) {
 TEST(Open, RefusesWhatItCannotReadNamingTheFile) {
   const WordWorld world;
   const Object documents = world.word.GetChild(u"Documents");
+  ASSERT_EQ(mkfifo(ToUtf8(world.Path("pipe")).c_str(), 0600), 0);
   String encrypted = u"EncryptedPackage";
   const std::string compound =
       "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" +
@@ -100,6 +107,8 @@ TEST(Open, RefusesWhatItCannotReadNamingTheFile) {
       {u"Add", world.Path("missing.dotx"), 5151},
       {u"Add", world.Path("no folder/missing.dotx"), 5151},
       {u"Open", world.Path("missing.docx"), 5174},
+      {u"Add", world.Path("pipe"), 70},
+      {u"Add", world.Path(""), 70},
       {u"Open", world.Write("damaged.docx", "PK\x03\x04 and no more"), 5792},
       {u"Open", world.Write("picture.png", "\x89PNG"), 5792},
       {u"Add", world.Write("secret.docx", compound), 5408},
