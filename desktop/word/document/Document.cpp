@@ -138,17 +138,15 @@ std::unique_ptr<Document> Document::Open(std::string package_bytes) {
   self.main_part = self.package->RelatedPart("", "/officeDocument");
   if (!self.package->HasPart(self.main_part) ||
       !IsDocument(self.package->ContentType(self.main_part))) {
-    RefusePackage("it is not a word-processing document.");
+    RefusePackage("it is not a word-processing document");
   }
   DocumentPart& main = self.Part(self.main_part);
   const NodeId body = main.tree.Child(main.tree.root(), Name::kBody);
   if (main.tree.name(main.tree.root()) != Name::kDocument || body == kNoNode) {
-    RefusePackage("its main part " + Quoted(self.main_part) + " has no body.");
+    RefusePackage("its main part " + Quoted(self.main_part) + " has no body");
   }
   self.AddStory(*document, StoryType::kMain, main, {body});
-  for (const auto& box : document->Main().text_boxes_) {
-    self.chains[StoryType::kTextFrame].push_back(box.get());
-  }
+  self.chains[StoryType::kTextFrame] = document->Main().TextBoxes();
   return document;
 }
 

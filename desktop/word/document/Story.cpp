@@ -7,17 +7,35 @@
 
 namespace kestrelon::desktop::word {
 
+namespace {
+
+// A text in all its copies, each the mirror of the one before.
+std::unique_ptr<StoryText> ReadCopies(DocumentPart& part, const std::vector<NodeId>& copies) {
+  std::unique_ptr<StoryText> text;
+  for (auto copy = copies.rbegin(); copy != copies.rend(); ++copy) {
+    auto front = std::make_unique<StoryText>(part, std::vector{*copy});
+    front->set_mirror(std::move(text));
+    text = std::move(front);
+  }
+  return text;
+}
+
+}  // namespace
+
 Story::Story(Document& document, StoryType type, std::unique_ptr<StoryText> text)
     : document_(document), type_(type), text_(std::move(text)) {
   text_->set_story(*this);
-  DocumentPart& part = text_->part();
-  for (const TextBoxNodes& box : text_->text_boxes()) {
-    auto content = std::make_unique<StoryText>(part, std::vector{box.content});
-    if (box.fallback != kNoNode) {
-      content->set_mirror(std::make_unique<StoryText>(part, std::vector{box.fallback}));
+  for (size_t i = 0; i < text_->text_boxes().size(); ++i) {
+    // A text box within a text box is there in every copy of the outer one.
+    std::vector<NodeId> copies;
+    for (const StoryText* outer = text_.get(); outer != nullptr; outer = outer->mirror()) {
+      if (i >= outer->text_boxes().size()) continue;
+      const TextBoxNodes& box = outer->text_boxes()[i];
+      copies.push_back(box.content);
+      if (box.fallback != kNoNode) copies.push_back(box.fallback);
     }
-    text_boxes_.push_back(
-        std::make_unique<Story>(document, StoryType::kTextFrame, std::move(content)));
+    text_boxes_.push_back(std::make_unique<Story>(document, StoryType::kTextFrame,
+                                                  ReadCopies(text_->part(), copies)));
   }
 }
 
@@ -51,7 +69,10 @@ Table* Story::TableAt(int32_t index) const {
 std::vector<Story*> Story::TextBoxes() const {
   std::vector<Story*> present;
   for (const auto& box : text_boxes_) {
-    if (box->text_->IsPresent()) present.push_back(box.get());
+    if (!box->text_->IsPresent()) continue;
+    present.push_back(box.get());
+    const std::vector<Story*> inner = box->TextBoxes();
+    present.insert(present.end(), inner.begin(), inner.end());
   }
   return present;
 }

@@ -84,8 +84,9 @@ class Story {
   // table stays valid until it is deleted.
   int32_t TableCount() const;
   Table* TableAt(int32_t index) const;
-  // The text boxes anchored in this story. 1-based; error 5941 for any other index. The modern and
-  // the fallback copy of a text box are one story; edits reach both.
+  // The text boxes anchored in this story, each followed by those anchored in itself. 1-based;
+  // error 5941 for any other index. The modern and the fallback copy of a text box are one story;
+  // edits reach both.
   int32_t TextBoxCount() const;
   Story* TextBoxAt(int32_t index) const;
 

@@ -53,6 +53,7 @@ class StoryText {
   Story& story() { return *story_; }
   void set_story(Story& story) { story_ = &story; }
   // A copy of this text elsewhere in the part, which every edit has to reach.
+  StoryText* mirror() const { return mirror_.get(); }
   void set_mirror(std::unique_ptr<StoryText> mirror) { mirror_ = std::move(mirror); }
 
   // False once what the text stands in has been deleted.

@@ -87,6 +87,29 @@ TEST(Stories, TextBoxesFillBothCopies) {
   EXPECT_EQ(main.TextBoxCount(), 2);
 }
 
+TEST(Stories, TextBoxesWithinTextBoxesFillAllTheirCopies) {
+  const auto boxes = [](const std::string& text) {
+    const std::string inner = P(R(text));
+    const std::string plain = Rx(Element("pict", Element("txbxContent", inner)));
+    return P(
+        TextBox(P(R("outer "), R(text), TextBox(inner, inner)), P(R("outer "), R(text), plain)));
+  };
+  const auto document = Open(boxes("<n>"));
+  EXPECT_THAT(Chain(*document, StoryType::kTextFrame), ElementsAre(u"outer <n>\x1\r", u"<n>\r"));
+  Story& main = document->Main();
+  ASSERT_EQ(main.TextBoxCount(), 2);
+  for (const int32_t box : {1, 2}) EXPECT_EQ(ReplaceEvery(*main.TextBoxAt(box), u"<n>", u"A"), 1);
+  const std::string preserve = " xml:space=\"preserve\"";
+  std::string body = SavedBody(*document);
+  std::string expected = boxes("A");
+  for (std::string* text : {&body, &expected}) {
+    for (size_t at; (at = text->find(preserve)) != std::string::npos;) {
+      text->erase(at, preserve.size());
+    }
+  }
+  EXPECT_EQ(body, expected);
+}
+
 TEST(Save, LeavesUntouchedPartsAlone) {
   const std::string odd = "\xEF\xBB\xBF<?xml version='1.0'?>\n<!-- c --><w:hdr xmlns:w = '" +
                           std::string(kWordUri) + "' ><w:p\n/></w:hdr>\n";
