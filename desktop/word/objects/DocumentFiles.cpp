@@ -105,7 +105,7 @@ auto NamingFile(const fs::path& path, const Action& action) {
   } catch (const AutomationError& error) {
     const String name = TextFromPath(path);
     if (error.description().find(name) != String::npos) throw;
-    throw AutomationError(error.number(), error.description() + u" (" + name + u")");
+    throw AutomationError(error.number(), name + u": " + error.description());
   }
 }
 

@@ -53,7 +53,7 @@ std::string FromUtf16(std::string_view bytes, bool big_endian) {
 
 void XmlReader::Fail(std::string_view what) const {
   RefusePackage("its part " + Quoted(part_) + " " + std::string(what) + " (at byte " +
-                std::to_string(at_) + ").");
+                std::to_string(at_) + ")");
 }
 
 NodeId XmlReader::Read() {

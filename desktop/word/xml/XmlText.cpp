@@ -9,7 +9,7 @@ namespace kestrelon::desktop::word {
 namespace {
 
 [[noreturn]] void RefuseText(std::string_view what) {
-  RefusePackage("its text holds " + std::string(what) + ".");
+  RefusePackage("its text holds " + std::string(what));
 }
 
 bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }

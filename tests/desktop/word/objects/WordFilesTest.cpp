@@ -110,6 +110,7 @@ TEST(Open, RefusesWhatItCannotReadNamingTheFile) {
       {u"Add", world.Path("pipe"), 70},
       {u"Add", world.Path(""), 70},
       {u"Open", world.Write("damaged.docx", "PK\x03\x04 and no more"), 5792},
+      {u"Open", world.Write("broken.docx", Packed(Main("<w:p a></w:p>"))), 5792},
       {u"Open", world.Write("picture.png", "\x89PNG"), 5792},
       {u"Add", world.Write("secret.docx", compound), 5408},
   };
@@ -117,6 +118,7 @@ TEST(Open, RefusesWhatItCannotReadNamingTheFile) {
     const AutomationError error = FailureOf([&] { documents.Call(test.method, test.path); });
     EXPECT_EQ(error.number(), test.number) << error.what();
     EXPECT_NE(error.description().find(test.path), String::npos) << error.what();
+    EXPECT_EQ(error.description().find(u".. "), String::npos) << error.what();
   }
   EXPECT_EQ(documents.Get(u"Count").ToLong(), 0);
   EXPECT_EQ(FailureOf([&] { world.word.GetChild(u"ActiveDocument"); }).number(), 4248);
