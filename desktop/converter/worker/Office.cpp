@@ -48,6 +48,7 @@ std::string LastError(LibreOfficeKit* office) {
   char* const text = office->pClass->getError(office);
   std::string error = text == nullptr ? "" : text;
   if (text != nullptr && LIBREOFFICEKIT_HAS(office, freeError)) office->pClass->freeError(text);
+  error.erase(error.find_last_not_of(". \n") + 1);  // it goes on within a sentence of ours
   return error.empty() ? "no reason given" : error;
 }
 
