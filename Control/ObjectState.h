@@ -42,6 +42,10 @@ struct ObjectState {
   // Not touched by CleanUpOutlook:
   String server_name;  // written by ServerName and read by nothing
   Object excel_application;
+  Object shared_mailbox_recipient;
+  Object acrobat_application;
+  Object acrobat_document;
+  Object acrobat_pd_document;
   TagTable tag_table;
 };
 

@@ -54,11 +54,13 @@ TEST_F(Services, CleanUpForgetsOutlookAndTheBoundFolderAndNothingElse) {
   state.outlook_application = object("outlook");
   state.user_properties = object("properties");
   state.excel_application = object("excel");
+  state.shared_mailbox_recipient = object("recipient");
   CleanUpOutlook(context);
   EXPECT_TRUE(state.bound_contact_folder.IsNothing());
   EXPECT_TRUE(state.outlook_application.IsNothing());
   EXPECT_TRUE(state.user_properties.IsNothing());
   EXPECT_FALSE(state.excel_application.IsNothing());
+  EXPECT_FALSE(state.shared_mailbox_recipient.IsNothing());
   EXPECT_TRUE(desktop.log.empty());
 }
 
