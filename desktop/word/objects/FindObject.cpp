@@ -1,6 +1,7 @@
 #include "desktop/word/objects/FindObject.h"
 
 #include <array>
+#include <utility>
 
 namespace kestrelon::desktop::word {
 namespace {
@@ -75,12 +76,17 @@ const MemberTable<FindObject>& FindObject::Members() {
 }
 
 void FindObject::PutText(const Value& value) {
-  settings().text = CheckedText(value);
+  String text = CheckedText(value);
+  // A script sets the same text again for every occurrence; the pattern stands.
+  if (text == settings().text) return;
+  settings().text = std::move(text);
   settings().pattern.reset();
 }
 
 void FindObject::PutMatchCase(const Value& value) {
-  settings().match_case = value.ToBoolean();
+  const bool match_case = value.ToBoolean();
+  if (match_case == settings().match_case) return;
+  settings().match_case = match_case;
   settings().pattern.reset();
 }
 
