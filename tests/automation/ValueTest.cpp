@@ -2,18 +2,10 @@
 
 #include "automation/DispatchObject.h"
 #include "automation/Value.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon {
 namespace {
-
-int32_t NumberOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    return error.number();
-  }
-  return 0;
-}
 
 TEST(Text, KeepsEveryCharacterOverUtf8AndReplacesWhatIsMalformed) {
   const String text = u"a\u00A3\u20AC\U0001F600";

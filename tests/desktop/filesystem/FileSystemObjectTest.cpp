@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <functional>
-
 #include "desktop/filesystem/FileSystemObject.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
 namespace {
@@ -16,15 +15,6 @@ constexpr int32_t kReading = 1;
 constexpr int32_t kWriting = 2;
 constexpr int32_t kAppending = 8;
 constexpr int32_t kUnicode = -1;
-
-int32_t NumberOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    return error.number();
-  }
-  return 0;
-}
 
 class FileSystemObjectTest : public testing::Test {
  protected:

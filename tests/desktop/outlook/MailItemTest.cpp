@@ -2,27 +2,18 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <functional>
 
 #include "desktop/outlook/OutlookApplication.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
 #include "tests/desktop/opener/RecordingOpener.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-
-AutomationError ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    return error;
-  }
-  return AutomationError(0, u"no error");
-}
 
 // What another mail program reads from a message.
 std::string ReadMessage(const fs::path& path) {
@@ -178,9 +169,9 @@ TEST_F(MailItemTest, KeepsToAndTheRecipientsInStep) {
   const auto walk = recipients.Enumerate();
   while (const auto one = walk->Next()) names += one->ToObject().Get(u"Name").ToText() + u"|";
   EXPECT_EQ(names, u"copy@b.c|O'Brien|x@y.z|");
-  EXPECT_EQ(ErrorOf([&] { recipients.Call(u"Item", 4); }).number(), kSubscriptOutOfRange);
-  EXPECT_EQ(ErrorOf([&] { recipients.Call(u"Add", u" ; "); }).number(), kInvalidProcedureCall);
-  EXPECT_EQ(ErrorOf([&] { recipients.CallChild(u"Item", 1).Put(u"Type", 0); }).number(),
+  EXPECT_EQ(FailureOf([&] { recipients.Call(u"Item", 4); }).number(), kSubscriptOutOfRange);
+  EXPECT_EQ(FailureOf([&] { recipients.Call(u"Add", u" ; "); }).number(), kInvalidProcedureCall);
+  EXPECT_EQ(FailureOf([&] { recipients.CallChild(u"Item", 1).Put(u"Type", 0); }).number(),
             kInvalidProcedureCall);
 }
 
@@ -203,21 +194,23 @@ TEST_F(MailItemTest, ShowsTheDraftAndRewritesItWhenShownAgain) {
 
 TEST_F(MailItemTest, KeepsTheDraftWhereNothingCanShowIt) {
   const ChangedEnvironment opener("KESTRELON_OPENER", (folder_.path() / "none").string());
-  const AutomationError error = ErrorOf([&] { mail_.Call(u"Display"); });
+  const AutomationError error = FailureOf([&] { mail_.Call(u"Display"); });
   ASSERT_EQ(DraftFiles().size(), 1u);
   EXPECT_NE(error.description().find(TextFromPath(DraftFiles().front())), String::npos);
 }
 
 TEST_F(MailItemTest, SaysWhatCannotBeAttachedOrCreated) {
   const Object attachments = mail_.GetChild(u"Attachments");
-  const AutomationError missing = ErrorOf([&] { attachments.Call(u"Add", u"/none/a.doc"); });
+  const AutomationError missing = FailureOf([&] { attachments.Call(u"Add", u"/none/a.doc"); });
   EXPECT_NE(missing.description().find(u"/none/a.doc"), String::npos);
-  EXPECT_EQ(ErrorOf([&] { attachments.Call(u"Add", TextFromPath(folder_.path() / "x")); }).number(),
-            kFileNotFound);
+  EXPECT_EQ(
+      FailureOf([&] { attachments.Call(u"Add", TextFromPath(folder_.path() / "x")); }).number(),
+      kFileNotFound);
   EXPECT_EQ(attachments.Get(u"Count").ToLong(), 0);
   const Object outlook = RunningOutlookApplication();
-  EXPECT_EQ(ErrorOf([&] { outlook.Call(u"CreateItem", 2); }).number(), kNotImplemented);
-  EXPECT_EQ(ErrorOf([&] { outlook.Call(u"GetNamespace", u"X"); }).number(), kInvalidProcedureCall);
+  EXPECT_EQ(FailureOf([&] { outlook.Call(u"CreateItem", 2); }).number(), kNotImplemented);
+  EXPECT_EQ(FailureOf([&] { outlook.Call(u"GetNamespace", u"X"); }).number(),
+            kInvalidProcedureCall);
   EXPECT_EQ(outlook.CallChild(u"GetNamespace", u"MAPI").GetChild(u"Application").pointer(),
             CreateOutlookApplication().pointer());
   EXPECT_TRUE(outlook.CallChild(u"ActiveExplorer").IsNothing());
@@ -225,7 +218,7 @@ TEST_F(MailItemTest, SaysWhatCannotBeAttachedOrCreated) {
 
 TEST_F(MailItemTest, SaysWhichMailboxCannotBeWritten) {
   WriteFile("box", "a file");
-  const AutomationError error = ErrorOf([&] { mail_.Call(u"Save"); });
+  const AutomationError error = FailureOf([&] { mail_.Call(u"Save"); });
   EXPECT_EQ(error.number(), kPathNotFound);
   EXPECT_THAT(ToUtf8(error.description()),
               testing::AllOf(testing::StartsWith("Path not found. "), HasSubstr(Drafts().string()),

@@ -1,23 +1,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <functional>
-
 #include "desktop/storage/AtomicFile.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
 namespace {
 
 namespace fs = std::filesystem;
-
-int32_t NumberOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    return error.number();
-  }
-  return 0;
-}
 
 TEST(AtomicFile, AReadOnlyFileStaysThoughItsFolderCouldReplaceIt) {
   if (geteuid() == 0) GTEST_SKIP() << "root may write read-only files";

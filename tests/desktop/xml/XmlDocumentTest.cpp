@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <functional>
-
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
 #include "desktop/xml/XmlDocuments.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
 namespace {
@@ -14,15 +13,6 @@ Object Load(StringView markup) {
   EXPECT_TRUE(document.Call(u"loadXML", markup).ToBoolean())
       << ToUtf8(document.GetChild(u"parseError").Get(u"reason").ToText());
   return document;
-}
-
-AutomationError ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    return error;
-  }
-  return AutomationError(0, u"no error");
 }
 
 // The names (or, for text, values) of a collection, by index, and again by walking it.
@@ -95,9 +85,9 @@ TEST(XmlDocument, ReadsAndWritesAttributesAndText) {
   EXPECT_EQ(root.Get(u"text").ToText(), u"<&>");
   EXPECT_EQ(inner.Get(u"text").ToText(), u"c") << "a node that was replaced lives on";
   const String forbidden(1, u'\x01');
-  EXPECT_EQ(ErrorOf([&] { root.Put(u"text", forbidden); }).number(), kInvalidProcedureCall);
+  EXPECT_EQ(FailureOf([&] { root.Put(u"text", forbidden); }).number(), kInvalidProcedureCall);
   for (const auto* name : {u"", u"a b", u"q:x", u"xmlns"}) {
-    EXPECT_EQ(ErrorOf([&] { root.Call(u"setAttribute", name, u"v"); }).number(),
+    EXPECT_EQ(FailureOf([&] { root.Call(u"setAttribute", name, u"v"); }).number(),
               kInvalidProcedureCall);
   }
   EXPECT_EQ(root.Get(u"text").ToText(), u"<&>");
@@ -106,9 +96,9 @@ TEST(XmlDocument, ReadsAndWritesAttributesAndText) {
 TEST(XmlDocument, RefusesMembersThatANodeTypeLacks) {
   const Object document = Load(u"<!--c--><r/>");
   const Object comment = document.GetChild(u"firstChild");
-  EXPECT_EQ(ErrorOf([&] { comment.Call(u"getAttribute", u"a"); }).number(), kMemberNotFound);
-  EXPECT_EQ(ErrorOf([&] { document.Call(u"getAttribute", u"a"); }).number(), kMemberNotFound);
-  EXPECT_EQ(ErrorOf([&] { comment.Call(u"loadXML", u"<a/>"); }).number(), kMemberNotFound);
+  EXPECT_EQ(FailureOf([&] { comment.Call(u"getAttribute", u"a"); }).number(), kMemberNotFound);
+  EXPECT_EQ(FailureOf([&] { document.Call(u"getAttribute", u"a"); }).number(), kMemberNotFound);
+  EXPECT_EQ(FailureOf([&] { comment.Call(u"loadXML", u"<a/>"); }).number(), kMemberNotFound);
   EXPECT_TRUE(comment.GetChild(u"attributes").IsNothing());
 }
 
@@ -141,14 +131,15 @@ TEST(XmlDocument, SelectsByXPathFromTheNodeAsked) {
 TEST(XmlDocument, SaysWhatIsWrongWithAQuery) {
   const Object document = Load(u"<r/>");
   for (const auto* query : {u"r[", u"", u"count(r)", u"//p:r", u"nosuch(r)"}) {
-    const AutomationError error = ErrorOf([&] { document.Call(u"selectNodes", query); });
+    const AutomationError error = FailureOf([&] { document.Call(u"selectNodes", query); });
     EXPECT_EQ(error.number(), static_cast<int32_t>(0x80004005)) << ToUtf8(query);
     EXPECT_NE(error.description().find(u"\"" + String(query) + u"\""), String::npos);
   }
   for (const auto* bindings : {u"nonsense", u"/><a", u"x='1'"}) {
-    EXPECT_EQ(
-        ErrorOf([&] { document.Call(u"setProperty", u"SelectionNamespaces", bindings); }).number(),
-        kInvalidProcedureCall);
+    EXPECT_EQ(FailureOf([&] {
+                document.Call(u"setProperty", u"SelectionNamespaces", bindings);
+              }).number(),
+              kInvalidProcedureCall);
   }
 }
 
@@ -216,12 +207,12 @@ TEST(ParseXmlDocument, ReadsBytesInTheirEncodingOrSaysWhereTheyBreak) {
         std::string_view("\xFF\xFE<\0a\0>\0\xA3\0<\0/\0a\0>\0", 18)}) {
     EXPECT_EQ(ParseXmlDocument(bytes).Get(u"text").ToText(), u"\u00A3");
   }
-  const AutomationError error = ErrorOf([] { ParseXmlDocument("<a>\n  <b>\n</a>"); });
+  const AutomationError error = FailureOf([] { ParseXmlDocument("<a>\n  <b>\n</a>"); });
   EXPECT_EQ(error.number(), kInvalidProcedureCall);
   EXPECT_NE(error.description().find(u"line 3, column "), String::npos) << error.what();
   for (const std::string_view bytes : {std::string_view("<a>\xA3</a>"),
                                        std::string_view("<a/>\0b", 6), std::string_view("\0", 1)}) {
-    EXPECT_EQ(ErrorOf([&] { ParseXmlDocument(bytes); }).number(), kInvalidProcedureCall);
+    EXPECT_EQ(FailureOf([&] { ParseXmlDocument(bytes); }).number(), kInvalidProcedureCall);
   }
 }
 
@@ -238,7 +229,7 @@ TEST(ParseHtmlDocument, GivesTheMarkupBack) {
             u"<html></html>");
   std::string deep;
   for (int i = 0; i < 300; ++i) deep += "<div>";
-  EXPECT_EQ(ErrorOf([&] { ParseHtmlDocument(deep); }).number(), kInvalidProcedureCall);
+  EXPECT_EQ(FailureOf([&] { ParseHtmlDocument(deep); }).number(), kInvalidProcedureCall);
 }
 
 }  // namespace

@@ -95,13 +95,4 @@ int ReplaceEvery(Story& story, StringView tag, StringView value) {
   return count;
 }
 
-int32_t ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    return error.number();
-  }
-  return 0;
-}
-
 }  // namespace kestrelon::desktop::word

@@ -1,7 +1,6 @@
 // Documents for tests, small enough for a line: Body(P(R("<first"), R("name>"))).
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -80,7 +79,5 @@ std::string SavedBody(Document& document);
 inline String TextOf(const Story& story) { return story.Text({0, story.Length()}); }
 // Finds and replaces from the start until nothing is found, as a letter does. How many.
 int ReplaceEvery(Story& story, StringView tag, StringView value);
-// The number of the error that `action` raises; 0 for none.
-int32_t ErrorOf(const std::function<void()>& action);
 
 }  // namespace kestrelon::desktop::word

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <string>
 
 #include "automation/DispatchObject.h"
@@ -10,17 +9,9 @@
 #include "desktop/storage/Paths.h"
 #include "desktop/word/WordApplication.h"
 #include "tests/desktop/word/document/Builders.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon::desktop::word {
-
-inline AutomationError FailureOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const AutomationError& error) {
-    return error;
-  }
-  return AutomationError(0, u"no error");
-}
 
 // The package of a document with this body and, when it is not "", this primary header.
 inline std::string LetterOf(const std::string& body, const std::string& header = "") {

@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <functional>
 
 #include "desktop/word/package/Package.h"
 #include "desktop/word/package/ZipReader.h"
 #include "tests/desktop/word/package/ZipBuilder.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon::desktop::word {
 namespace {
@@ -211,22 +211,13 @@ TEST(Package, RemovesAPartWithEverythingThatLeadsToIt) {
 
 TEST(Package, RefusesChangesToWhatIsNotThere) {
   const auto package = OpenEntries(MinimalEntries());
-  const auto number_of = [](const std::function<void()>& action) {
-    try {
-      action();
-    } catch (const AutomationError& error) {
-      return error.number();
-    }
-    return 0;
-  };
-  EXPECT_EQ(number_of([&] { package->Content("/word/none.xml"); }), kCorruptDocument);
-  EXPECT_EQ(number_of([&] { package->Content("/_rels/.rels"); }), kCorruptDocument);
-  EXPECT_EQ(number_of([&] { package->Replace("/none", ""); }), kCorruptDocument);
+  EXPECT_EQ(NumberOf([&] { package->Content("/word/none.xml"); }), kCorruptDocument);
+  EXPECT_EQ(NumberOf([&] { package->Content("/_rels/.rels"); }), kCorruptDocument);
+  EXPECT_EQ(NumberOf([&] { package->Replace("/none", ""); }), kCorruptDocument);
   for (const char* name : {"x", "/word/document.xml", "/../x", "/folder/", "/_rels/x.rels"}) {
-    EXPECT_EQ(number_of([&] { package->Add(name, "a/b", ""); }), kInvalidProcedureCall) << name;
+    EXPECT_EQ(NumberOf([&] { package->Add(name, "a/b", ""); }), kInvalidProcedureCall) << name;
   }
-  EXPECT_EQ(number_of([&] { package->AddRelationship("/none", "t", "/x"); }),
-            kInvalidProcedureCall);
+  EXPECT_EQ(NumberOf([&] { package->AddRelationship("/none", "t", "/x"); }), kInvalidProcedureCall);
   EXPECT_EQ(package->Write(), OpenEntries(MinimalEntries())->Write());
 }
 
