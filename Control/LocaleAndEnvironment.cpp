@@ -6,9 +6,6 @@
 namespace kestrelon {
 namespace {
 
-constexpr uint32_t kLocaleUserDefault = 0x0400;
-constexpr uint32_t kLocaleIdate = 0x0021;
-constexpr uint32_t kLocaleScurrency = 0x0014;
 constexpr uint32_t kTempPathSize = 255;
 
 }  // namespace

@@ -14,6 +14,11 @@
 
 namespace kestrelon {
 
+// What GetLocaleInfoAnsi is asked for.
+constexpr uint32_t kLocaleUserDefault = 0x0400;
+constexpr uint32_t kLocaleIdate = 0x0021;      // order of the short date: "0", "1" or "2"
+constexpr uint32_t kLocaleScurrency = 0x0014;  // currency symbol
+
 // The component's own version record: the four fields of its file version.
 struct FileVersion {
   int32_t major = 0;

@@ -32,10 +32,6 @@ constexpr std::array<Server, 8> kServers = {{
     {u"Microsoft.XMLDOM", &desktop::CreateXmlDocument},
 }};
 
-constexpr uint32_t kLocaleUserDefault = 0x0400;
-constexpr uint32_t kLocaleScurrency = 0x0014;
-constexpr uint32_t kLocaleIdate = 0x0021;
-
 // The servers are on this machine, which a script may also name.
 bool IsThisMachine(StringView server) {
   return server.empty() || server == u"." || server == u"127.0.0.1" || server == u"::1" ||
