@@ -7,6 +7,16 @@
 #include "Control/OfficeConnection.h"
 #include "Control/ServerName.h"
 #include "documents/Letters.h"
+#include "outlook/Appointments.h"
+#include "outlook/ContactFolder.h"
+#include "outlook/ContactRecords.h"
+#include "outlook/ContactRemoval.h"
+#include "outlook/FolderLists.h"
+#include "outlook/Import.h"
+#include "outlook/Mails.h"
+#include "outlook/Selection.h"
+#include "outlook/Stamps.h"
+#include "outlook/UnsyncedItems.h"
 
 namespace kestrelon {
 namespace {
@@ -63,20 +73,18 @@ using B = bool;
 using V = Value;
 
 void AddItemMembers(std::vector<Member>& table) {
-  table.push_back(Describe(u"NewAppointment", 0x60030001, &NotImplemented<S, S, S, S, B>,
+  table.push_back(Describe(u"NewAppointment", 0x60030001, &NewAppointment,
                            {Required(u"AccountInfo"), Required(u"ServerName"),
                             Required(u"VirtualDirectory"), Optional(u"SecureMode", false)}));
+  table.push_back(Describe(u"AddAppointment", 0x60030002, &AddAppointment, AllRequired({u"acid"})));
+  table.push_back(Describe(u"OpenTask", 0x60030003, &OpenTask, AllRequired({u"TaskID"})));
   table.push_back(
-      Describe(u"AddAppointment", 0x60030002, &NotImplemented<V, V>, AllRequired({u"acid"})));
+      Describe(u"OpenAppointment", 0x60030004, &OpenAppointment, AllRequired({u"AppointmentID"})));
   table.push_back(
-      Describe(u"OpenTask", 0x60030003, &NotImplemented<S, S>, AllRequired({u"TaskID"})));
-  table.push_back(Describe(u"OpenAppointment", 0x60030004, &NotImplemented<S, S>,
-                           AllRequired({u"AppointmentID"})));
-  table.push_back(
-      Describe(u"GenerateEmail", 0x60030006, &NotImplemented<V, S, S, S, S, S>,
+      Describe(u"GenerateEmail", 0x60030006, &GenerateEmail,
                AllRequired({u"bodyhtml", u"address", u"Subject", u"mailType", u"addressType"})));
-  table.push_back(Describe(u"GetOutlookSelection", 0x60030007, &NotImplemented<S>));
-  table.push_back(Describe(u"GetOutlookSelectionString", 0x60030008, &NotImplemented<S>));
+  table.push_back(Describe(u"GetOutlookSelection", 0x60030007, &GetOutlookSelection));
+  table.push_back(Describe(u"GetOutlookSelectionString", 0x60030008, &GetOutlookSelectionString));
 }
 
 void AddLetterMembers(std::vector<Member>& table) {
@@ -96,14 +104,12 @@ void AddLetterMembers(std::vector<Member>& table) {
 }
 
 void AddContactMembers(std::vector<Member>& table) {
-  table.push_back(Describe(u"SetContactFolder", 0x60030017, &NotImplemented<void, S>,
-                           AllRequired({u"foldername"})));
-  table.push_back(Describe(u"AddContact", 0x60030018,
-                           &NotImplemented<void, S, S, S, S, S, S, S, S, S, S, S, S, S, S, S, S, S>,
-                           AddContactParameters()));
-  table.push_back(Describe(u"AddContactAll", 0x60030019, &NotImplemented<B, HtmlDocument>,
-                           AllRequired({u"oHTMLDoc"})));
-  table.push_back(Describe(u"AddUpdateContactXML", 0x6003001A, &NotImplemented<B, S, B, B>,
+  table.push_back(
+      Describe(u"SetContactFolder", 0x60030017, &SetContactFolder, AllRequired({u"foldername"})));
+  table.push_back(Describe(u"AddContact", 0x60030018, &AddContact, AddContactParameters()));
+  table.push_back(
+      Describe(u"AddContactAll", 0x60030019, &AddContactAll, AllRequired({u"oHTMLDoc"})));
+  table.push_back(Describe(u"AddUpdateContactXML", 0x6003001A, &AddUpdateContactXML,
                            AllRequired({u"ContactRecordXML", u"overwriteKestrelonIDMatch",
                                         u"overwriteEmailNameMatch"})));
   table.push_back(Describe(u"CleanUpOutlook", 0x6003001D, &CleanUpOutlook));
@@ -113,17 +119,17 @@ void AddContactMembers(std::vector<Member>& table) {
 }
 
 void AddFolderMembers(std::vector<Member>& table) {
-  table.push_back(Describe(u"GetContactFolderList", 0x60030020, &NotImplemented<S, S>,
+  table.push_back(Describe(u"GetContactFolderList", 0x60030020, &GetContactFolderList,
                            {Optional(u"strImport")}));
-  table.push_back(Describe(u"GetTaskFolderList", 0x60030021, &NotImplemented<S>));
-  table.push_back(Describe(u"GetFolderContactItems", 0x60030022, &NotImplemented<S, S>,
+  table.push_back(Describe(u"GetTaskFolderList", 0x60030021, &GetTaskFolderList));
+  table.push_back(Describe(u"GetFolderContactItems", 0x60030022, &GetFolderContactItems,
                            AllRequired({u"foldertosearch"})));
-  table.push_back(Describe(u"GetFolderTaskItems", 0x60030023, &NotImplemented<S, S>,
+  table.push_back(Describe(u"GetFolderTaskItems", 0x60030023, &GetFolderTaskItems,
                            AllRequired({u"foldertosearch"})));
-  table.push_back(Describe(u"ImportContact", 0x60030024, &NotImplemented<S, S, S>,
+  table.push_back(Describe(u"ImportContact", 0x60030024, &ImportContact,
                            AllRequired({u"foldername", u"contactname"})));
-  table.push_back(Describe(u"ImportTask", 0x60030025, &NotImplemented<S, S, S>,
-                           AllRequired({u"foldername", u"taskName"})));
+  table.push_back(
+      Describe(u"ImportTask", 0x60030025, &ImportTask, AllRequired({u"foldername", u"taskName"})));
   table.push_back(Describe(u"dateFormatOrder", 0x60030026, &dateFormatOrder));
   table.push_back(Describe(u"currencyFormat", 0x60030027, &currencyFormat));
   table.push_back(Describe(u"UploadFile", 0x60030029, &NotImplemented<B, S, S>,
@@ -132,15 +138,13 @@ void AddFolderMembers(std::vector<Member>& table) {
 
 void AddMailAndQuoteMembers(std::vector<Member>& table) {
   table.push_back(
-      Describe(u"CheckForFolder", 0x6003002B, &NotImplemented<B, V>, AllRequired({u"foldername"})));
-  table.push_back(
-      Describe(u"SendEmail", 0x6003002C, &NotImplemented<B, S>, AllRequired({u"strAddress"})));
-  table.push_back(Describe(u"SendEmailWithOriginal", 0x6003002D,
-                           &NotImplemented<B, S, S, S, S, S, S>, OriginalMailParameters()));
-  table.push_back(Describe(u"SendEmailFull", 0x6003002E, &NotImplemented<B, S, S, S, S, S, S>,
+      Describe(u"CheckForFolder", 0x6003002B, &CheckForFolder, AllRequired({u"foldername"})));
+  table.push_back(Describe(u"SendEmail", 0x6003002C, &SendEmail, AllRequired({u"strAddress"})));
+  table.push_back(Describe(u"SendEmailWithOriginal", 0x6003002D, &SendEmailWithOriginal,
                            OriginalMailParameters()));
-  table.push_back(Describe(u"ForwardEmailWithOriginal", 0x6003002F,
-                           &NotImplemented<B, S, S, S, S, S, S>, OriginalMailParameters()));
+  table.push_back(Describe(u"SendEmailFull", 0x6003002E, &SendEmailFull, OriginalMailParameters()));
+  table.push_back(Describe(u"ForwardEmailWithOriginal", 0x6003002F, &ForwardEmailWithOriginal,
+                           OriginalMailParameters()));
   table.push_back(Describe(u"WordQuote", 0x60030030, &NotImplemented<S, XmlDocument, S, S, S, S>,
                            AllRequired({u"xmlDoc", u"strTemplate", u"strSavePath",
                                         u"strMakeWordVisible", u"strReplaceinheader"})));
@@ -154,15 +158,15 @@ void AddMailAndQuoteMembers(std::vector<Member>& table) {
 }
 
 void AddRemainingMembers(std::vector<Member>& table) {
-  table.push_back(Describe(u"RemoveContact", 0x60030036, &NotImplemented<S, S, B>,
+  table.push_back(Describe(u"RemoveContact", 0x60030036, &RemoveContact,
                            AllRequired({u"strContactID", u"strDelete"})));
-  table.push_back(Describe(u"SetImportID", 0x60030037, &NotImplemented<S, S, S, S>,
+  table.push_back(Describe(u"SetImportID", 0x60030037, &SetImportID,
                            AllRequired({u"strItemID", u"strEntryID", u"strItemType"})));
-  table.push_back(Describe(u"CheckIfSynchronised", 0x60030038, &NotImplemented<S, S, S>,
+  table.push_back(Describe(u"CheckIfSynchronised", 0x60030038, &CheckIfSynchronised,
                            AllRequired({u"strEntryID", u"strItemType"})));
   table.push_back(Describe(u"ExcelQuote", 0x6003003B, &NotImplemented<B, HtmlDocument, S>,
                            AllRequired({u"oHTMLDoc", u"strColumns"})));
-  table.push_back(Describe(u"CreateContactAsvCard", 0x6003003C, &NotImplemented<B, HtmlDocument>,
+  table.push_back(Describe(u"CreateContactAsvCard", 0x6003003C, &CreateContactAsvCard,
                            AllRequired({u"oHTMLDoc"})));
   table.push_back(Describe(u"CheckForOutlook", 0x6003003D, &CheckForOutlook));
   table.push_back(Describe(u"CheckForWord", 0x6003003E, &CheckForWord));
@@ -172,12 +176,12 @@ void AddRemainingMembers(std::vector<Member>& table) {
   table.push_back(
       Describe(u"GetDialerVersion", 0x60030047, &NotImplemented<S, V>, AllRequired({u"sObject"})));
   table.push_back(Describe(u"GetTapiDrivers", 0x60030052, &NotImplemented<S>));
-  table.push_back(Describe(u"GetUnsyncedAppts", 0x6003005A, &NotImplemented<V>));
-  table.push_back(Describe(u"GetUnsyncedTasks", 0x6003005B, &NotImplemented<V>));
-  table.push_back(Describe(u"GetUnsyncedContacts", 0x6003005C, &NotImplemented<V, S>,
+  table.push_back(Describe(u"GetUnsyncedAppts", 0x6003005A, &GetUnsyncedAppts));
+  table.push_back(Describe(u"GetUnsyncedTasks", 0x6003005B, &GetUnsyncedTasks));
+  table.push_back(Describe(u"GetUnsyncedContacts", 0x6003005C, &GetUnsyncedContacts,
                            AllRequired({u"foldertosearch"})));
   table.push_back(
-      Describe(u"SetItemAsKestrelon", 0x6003005E, &NotImplemented<B, S, S, S, S, S>,
+      Describe(u"SetItemAsKestrelon", 0x6003005E, &SetItemAsKestrelon,
                AllRequired({u"ItemType", u"StoreID", u"OutlookID", u"AccountID", u"ItemID"})));
 }
 

@@ -1,7 +1,9 @@
 // What one control object keeps between calls. Created empty with the control, never persisted.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "automation/DispatchObject.h"
@@ -22,6 +24,16 @@ struct TagTable {
   void GrowTo(size_t upper_bound);
   // Error 9 "Subscript out of range" when no extraction has sized the arrays yet.
   int32_t UpperBound() const;
+};
+
+// What the exported records are matched against: a row for each item of the bound folder, in its
+// order, from 0. Items that are no contacts have empty texts but for the CRM id.
+struct ContactMatchIndex {
+  enum Column { kKestrelonId, kFirstName, kLastName, kEmail1, kEmail2, kEmail3, kColumns };
+  std::vector<std::array<String, kColumns>> rows;
+  // Where equal rows are looked up; the row with the smallest number of each text, lower-cased.
+  std::unordered_map<String, size_t> row_of_id;
+  std::unordered_map<String, size_t> row_of_name_and_email;
 };
 
 struct ObjectState {
@@ -47,6 +59,16 @@ struct ObjectState {
   Object acrobat_document;
   Object acrobat_pd_document;
   TagTable tag_table;
+  String remembered_store_id;  // of the last folder that an item was opened from
+  OsVersionRecord os_version;
+  int16_t os_version_result = 0;
+  bool is_newer_system = false;  // never set back
+  // What SetContactFolder was asked for and found.
+  Object default_contacts_folder;
+  String contact_folder_name;
+  int32_t found_subfolder_position = 0;  // from 1; 0 for none
+  ContactMatchIndex match_index;
+  bool is_match_index_built = false;
 };
 
 // What every member works on: the desktop and the state of the control it belongs to.

@@ -29,6 +29,12 @@ class ForwardingPlatform : public Platform {
   }
   Date Now() override { return platform_.Now(); }
   FileVersion ComponentVersion() override { return platform_.ComponentVersion(); }
+  int32_t GetOsVersion(OsVersionRecord& record) override { return platform_.GetOsVersion(record); }
+  void SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
+                    uint32_t extra_information) override {
+    platform_.SendKeyEvent(key_code, scan_code, flags, extra_information);
+  }
+  std::optional<String> CreateGuid() override { return platform_.CreateGuid(); }
 
  private:
   Platform& platform_;

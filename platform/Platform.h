@@ -6,6 +6,7 @@
 // bytes, result codes instead of exceptions. Everything else fails with AutomationError.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -25,6 +26,16 @@ struct FileVersion {
   int32_t minor = 0;
   int32_t build = 0;
   int32_t revision = 0;
+};
+
+// What GetVersionExA fills in (OSVERSIONINFOA).
+struct OsVersionRecord {
+  uint32_t size = 0;  // of the system's record in bytes: 148, set before the query
+  uint32_t major_version = 0;
+  uint32_t minor_version = 0;
+  uint32_t build_number = 0;
+  uint32_t platform_id = 0;
+  std::array<char, 128> service_pack{};  // ANSI, ends with NUL
 };
 
 class Platform {
@@ -52,6 +63,14 @@ class Platform {
   // The local date and time, to the second.
   virtual Date Now() = 0;
   virtual FileVersion ComponentVersion() = 0;
+  // GetVersionExA: not 0 on success.
+  virtual int32_t GetOsVersion(OsVersionRecord& record) = 0;
+  // keybd_event: one key event as if from the keyboard. Flag 2 is key up.
+  virtual void SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
+                            uint32_t extra_information) = 0;
+  // CoCreateGuid and StringFromCLSID: a new GUID in its registry form, "{" + 8-4-4-4-12 upper-case
+  // hexadecimal digits + "}"; nothing on failure.
+  virtual std::optional<String> CreateGuid() = 0;
 };
 
 }  // namespace kestrelon

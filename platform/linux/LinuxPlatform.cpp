@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "desktop/filesystem/FileSystemObject.h"
-#include "desktop/outlook/OutlookApplication.h"
+#include "desktop/outlook/objects/OutlookApplication.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/word/WordApplication.h"
 #include "desktop/xml/XmlDocuments.h"
@@ -115,5 +115,13 @@ FileVersion LinuxPlatform::ComponentVersion() {
   return {KESTRELON_VERSION_MAJOR, KESTRELON_VERSION_MINOR, KESTRELON_VERSION_BUILD,
           KESTRELON_VERSION_REVISION};
 }
+
+int32_t LinuxPlatform::GetOsVersion(OsVersionRecord&) { throw AutomationError(kNotImplemented); }
+
+void LinuxPlatform::SendKeyEvent(uint8_t, uint8_t, uint32_t, uint32_t) {
+  throw AutomationError(kNotImplemented);
+}
+
+std::optional<String> LinuxPlatform::CreateGuid() { throw AutomationError(kNotImplemented); }
 
 }  // namespace kestrelon

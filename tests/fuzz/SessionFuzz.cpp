@@ -28,6 +28,9 @@ class NoDesktop final : public Platform {
   uint32_t GetTempPathAnsi(uint32_t, char*) override { return 0; }
   Date Now() override { return {}; }
   FileVersion ComponentVersion() override { return {}; }
+  int32_t GetOsVersion(OsVersionRecord&) override { return 0; }
+  void SendKeyEvent(uint8_t, uint8_t, uint32_t, uint32_t) override {}
+  std::optional<String> CreateGuid() override { return std::nullopt; }
 
  private:
   commandline::MessageLog& messages_;

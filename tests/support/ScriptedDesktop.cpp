@@ -121,4 +121,15 @@ uint32_t ScriptedDesktop::GetTempPathAnsi(uint32_t size, char* buffer) {
   return static_cast<uint32_t>(temp_path.size());
 }
 
+int32_t ScriptedDesktop::GetOsVersion(OsVersionRecord& record) {
+  record.major_version = os_major_version;
+  return 1;
+}
+
+void ScriptedDesktop::SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
+                                   uint32_t /*extra_information*/) {
+  log.push_back("key " + std::to_string(key_code) + " " + std::to_string(scan_code) + " " +
+                std::to_string(flags));
+}
+
 }  // namespace kestrelon::testing

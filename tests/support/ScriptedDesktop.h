@@ -44,6 +44,8 @@ class ScriptedDesktop final : public Platform {
   std::string currency = "\xA3";
   std::string temp_path = "/tmp/";
   bool locale_fails = false;
+  uint32_t os_major_version = 6;
+  std::optional<String> guid = u"{01234567-89AB-CDEF-0123-456789ABCDEF}";
   Date now = {45000.0 + (13 * 3600 + 5 * 60 + 9) / 86400.0};
 
   Object CreateObject(StringView prog_id, StringView server) override;
@@ -55,6 +57,11 @@ class ScriptedDesktop final : public Platform {
   uint32_t GetTempPathAnsi(uint32_t size, char* buffer) override;
   Date Now() override { return now; }
   FileVersion ComponentVersion() override { return {5, 8, 0, 7}; }
+  // Answers `os_major_version`; the key events are lines of the log, "key 44 1 0".
+  int32_t GetOsVersion(OsVersionRecord& record) override;
+  void SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
+                    uint32_t extra_information) override;
+  std::optional<String> CreateGuid() override { return guid; }
 
   // Records one call and gives its answer.
   Value Perform(const std::string& line);

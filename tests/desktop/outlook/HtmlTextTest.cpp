@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "desktop/outlook/HtmlText.h"
+#include "desktop/outlook/mail/HtmlText.h"
 
 namespace kestrelon::desktop {
 namespace {

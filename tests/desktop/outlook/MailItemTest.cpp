@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "desktop/outlook/OutlookApplication.h"
+#include "desktop/outlook/objects/OutlookApplication.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
 #include "tests/desktop/opener/RecordingOpener.h"

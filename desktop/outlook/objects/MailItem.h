@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "desktop/outlook/Attachments.h"
-#include "desktop/outlook/Recipients.h"
+#include "desktop/outlook/mail/Attachments.h"
+#include "desktop/outlook/mail/Recipients.h"
 #include "desktop/server/ServerObject.h"
 
 namespace kestrelon::desktop {

@@ -1,4 +1,4 @@
-#include "desktop/outlook/Attachments.h"
+#include "desktop/outlook/mail/Attachments.h"
 
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"

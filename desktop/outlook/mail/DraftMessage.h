@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "desktop/outlook/Attachments.h"
-#include "desktop/outlook/Recipients.h"
+#include "desktop/outlook/mail/Attachments.h"
+#include "desktop/outlook/mail/Recipients.h"
 
 namespace kestrelon::desktop {
 

@@ -1,4 +1,4 @@
-#include "desktop/outlook/HtmlPictures.h"
+#include "desktop/outlook/mail/HtmlPictures.h"
 
 #include <glib.h>
 

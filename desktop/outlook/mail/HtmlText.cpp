@@ -1,4 +1,4 @@
-#include "desktop/outlook/HtmlText.h"
+#include "desktop/outlook/mail/HtmlText.h"
 
 #include <libxml/HTMLparser.h>
 

@@ -1,4 +1,4 @@
-#include "desktop/outlook/Mailbox.h"
+#include "desktop/outlook/store/Mailbox.h"
 
 #include <sys/random.h>
 #include <sys/stat.h>

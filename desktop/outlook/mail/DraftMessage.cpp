@@ -1,12 +1,12 @@
-#include "desktop/outlook/DraftMessage.h"
+#include "desktop/outlook/mail/DraftMessage.h"
 
 #include <gmime/gmime.h>
 
 #include <algorithm>
 #include <array>
 
-#include "desktop/outlook/HtmlPictures.h"
-#include "desktop/outlook/HtmlText.h"
+#include "desktop/outlook/mail/HtmlPictures.h"
+#include "desktop/outlook/mail/HtmlText.h"
 
 namespace kestrelon::desktop {
 namespace {

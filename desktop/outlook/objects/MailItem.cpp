@@ -1,9 +1,9 @@
-#include "desktop/outlook/MailItem.h"
+#include "desktop/outlook/objects/MailItem.h"
 
 #include "desktop/opener/Opener.h"
-#include "desktop/outlook/DraftMessage.h"
-#include "desktop/outlook/HtmlText.h"
-#include "desktop/outlook/Mailbox.h"
+#include "desktop/outlook/mail/DraftMessage.h"
+#include "desktop/outlook/mail/HtmlText.h"
+#include "desktop/outlook/store/Mailbox.h"
 #include "desktop/storage/Paths.h"
 
 namespace kestrelon::desktop {

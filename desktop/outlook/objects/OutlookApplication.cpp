@@ -1,7 +1,7 @@
-#include "desktop/outlook/OutlookApplication.h"
+#include "desktop/outlook/objects/OutlookApplication.h"
 
-#include "desktop/outlook/MailItem.h"
-#include "desktop/outlook/NameSpace.h"
+#include "desktop/outlook/objects/MailItem.h"
+#include "desktop/outlook/objects/NameSpace.h"
 #include "desktop/server/ServerObject.h"
 
 namespace kestrelon::desktop {

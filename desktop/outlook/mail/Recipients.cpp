@@ -1,4 +1,4 @@
-#include "desktop/outlook/Recipients.h"
+#include "desktop/outlook/mail/Recipients.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "desktop/outlook/NameSpace.h"
+#include "desktop/outlook/objects/NameSpace.h"
 
-#include "desktop/outlook/OutlookApplication.h"
+#include "desktop/outlook/objects/OutlookApplication.h"
 
 namespace kestrelon::desktop {
 
