@@ -50,6 +50,8 @@ class ItemDocument {
   // `property` is the name in Outlook's object model in lower case ("firstname"). Error 438 for one
   // that the item does not have, 440 on a put of one that is read only.
   virtual bool Has(StringView property) const = 0;
+  // The names in Outlook's spelling ("FirstName"), in the order in which a user wants to see them.
+  virtual const std::vector<StringView>& PropertyNames() const = 0;
   virtual Value Get(StringView property) const = 0;
   virtual void Put(StringView property, const Value& value) = 0;
 
