@@ -1,0 +1,354 @@
+#include <gtest/gtest.h>
+
+#include "outlook/Appointments.h"
+#include "tests/support/ScriptedDesktop.h"
+
+namespace kestrelon {
+namespace {
+
+using testing::ScriptedDesktop;
+using testing::ShownMessage;
+using Lines = std::vector<std::string>;
+using Messages = std::vector<ShownMessage>;
+
+const std::string kOutlook = "Outlook.Application";
+const std::string kNamespace = kOutlook + ".GetNamespace(\"MAPI\")";
+const std::string kForm = kOutlook + ".CreateItem(1)";
+const std::string kSelection = kOutlook + ".ActiveExplorer.selection";
+
+class Appointments : public ::testing::Test {
+ protected:
+  String New(String account_info, bool is_secure = false) {
+    String server = u"crm";
+    String folder = u"v";
+    return NewAppointment(context, account_info, server, folder, is_secure);
+  }
+  String OpenOne(String id) { return OpenAppointment(context, id); }
+  bool NothingHeld() const {
+    const ObjectState& state = context.state;
+    return state.outlook_application.IsNothing() && state.mapi_namespace.IsNothing() &&
+           state.current_appointment.IsNothing() && state.current_task.IsNothing() &&
+           state.current_folder.IsNothing();
+  }
+
+  ScriptedDesktop desktop;
+  ControlContext context{desktop};
+};
+
+Lines AddingOf(const std::string& item, const std::string& name) {
+  return {item + ".UserProperties", item + ".UserProperties.Add(\"" + name + "\", 1, True)"};
+}
+
+TEST_F(Appointments, NewFormIsFilledInOrderAndLetGoOf) {
+  EXPECT_EQ(New(u"1234¬subject=Call back¬location=Office¬guid=G"), u"");
+  const std::string property = kForm + ".UserProperties.Add(\"";
+  EXPECT_EQ(desktop.log,
+            (Lines{"create Outlook.Application", kForm,
+                   kForm + ".Body = \"http://crm/v/Kestrelon.ASPX?Page=Account&ItemID=1234\"",
+                   kForm + ".Subject = \"Call back\"", kForm + ".Location = \"Office\"",
+                   AddingOf(kForm, "ACID")[0], AddingOf(kForm, "ACID")[1],
+                   AddingOf(kForm, "Kestrelon")[0], AddingOf(kForm, "Kestrelon")[1],
+                   AddingOf(kForm, "guid")[0], AddingOf(kForm, "guid")[1],
+                   property + "guid\", 1, True) = \"G\"", property + "ACID\", 1, True) = \"1234\"",
+                   property + "Kestrelon\", 1, True) = \"true\"", kForm + ".Display()"}));
+  EXPECT_TRUE(NothingHeld());
+}
+
+TEST_F(Appointments, AccountInfoIsReadPieceByPiece) {
+  const struct {
+    const char16_t* info;
+    const char* account_id;
+    const char* subject;
+    const char* guid;  // nullptr where none is set
+  } cases[] = {
+      {u"", "", nullptr, nullptr},
+      {u"1", "1", nullptr, nullptr},
+      {u"1¬", "", nullptr, nullptr},
+      {u"1¬2", "2", nullptr, nullptr},
+      {u"ac_id=1¬2¬AC_ID=3", "3", nullptr, nullptr},
+      {u"Subject=x=y", "", "x", nullptr},
+      {u"subject=x¬subject=", "", nullptr, nullptr},
+      {u"other=x¬=y¬GUID=z¬ guid=n", "", nullptr, "z"},
+  };
+  for (const auto& example : cases) {
+    desktop.log.clear();
+    EXPECT_EQ(New(example.info, true), u"");
+    const auto puts = [&](const std::string& target) {
+      for (const std::string& line : desktop.log) {
+        if (line.starts_with(kForm + target + " = ")) return line.substr(line.find(" = ") + 3);
+      }
+      return std::string("none");
+    };
+    const auto quoted = [](const char* text) {
+      return text == nullptr ? "none" : "\"" + std::string(text) + "\"";
+    };
+    const std::string id = example.account_id;
+    EXPECT_EQ(puts(".Body"), "\"https://crm/v/Kestrelon.ASPX?Page=Account&ItemID=" + id + "\"");
+    EXPECT_EQ(puts(".UserProperties.Add(\"ACID\", 1, True)"), "\"" + id + "\"");
+    EXPECT_EQ(puts(".UserProperties.Add(\"guid\", 1, True)"), quoted(example.guid));
+    EXPECT_EQ(puts(".Subject"), quoted(example.subject)) << ToUtf8(example.info);
+  }
+}
+
+TEST_F(Appointments, NewFormFallsBackToTheLoopbackAddress) {
+  const struct {
+    const char* direct;    // what fails on the usual way
+    const char* loopback;  // and through the loopback address
+    int32_t number;
+    const char16_t* result;
+  } cases[] = {
+      {"none", "Local", 429, u""},
+      {"Direct.CreateItem(1).Body", "none", 429, u"NoOutlook"},
+      {"Direct.CreateItem(1).Display", "none", 5, u"7"},
+      {"Direct.CreateItem", "none", 5, u""},
+      {"create", "none", 429, u"NoOutlook"},
+      {"create", "none", 462, u"7"},
+      {"Direct.CreateItem", "create Outlook.Application on", 429, u"NoOutlook"},
+      {"Direct.CreateItem", "create Outlook.Application on", 462, u"7"},
+      {"Direct.CreateItem", "Local.CreateItem", 429, u"NoOutlook"},
+      {"Direct.CreateItem", "Local.CreateItem", 5, u"7"},
+      {"Direct.CreateItem", "Local.CreateItem(1).Body", 429, u"raised"},
+      {"Direct.CreateItem", "Local.CreateItem(1).Display", 5, u"raised"},
+  };
+  desktop.Answer("create Outlook.Application", {desktop.NamedObject("Direct")});
+  desktop.Answer("create Outlook.Application on 127.0.0.1", {desktop.NamedObject("Local")});
+  for (const auto& example : cases) {
+    desktop.StopFailing();
+    desktop.Fail(example.direct, AutomationError(example.number));
+    desktop.Fail(example.loopback, AutomationError(example.number));
+    String result = u"raised";
+    const auto raised = IgnoreFailures([&] { result = New(u"1"); });
+    EXPECT_EQ(result, example.result) << example.direct << ", " << example.loopback;
+    EXPECT_EQ(raised ? raised->number() : example.number, example.number);
+    EXPECT_TRUE(NothingHeld());
+  }
+}
+
+TEST_F(Appointments, SelectedItemIsStampedAndOutlookIsKept) {
+  desktop.Answer(kSelection + ".count", {1});
+  Value account_id = u"A1";
+  EXPECT_EQ(AddAppointment(context, account_id).ToText(), u"success");
+  const std::string item = kSelection + ".item(1)";
+  const std::string property = item + ".UserProperties.Add(\"";
+  EXPECT_EQ(
+      desktop.log,
+      (Lines{"attach Outlook.Application", kNamespace, kOutlook + ".ActiveExplorer", kSelection,
+             kSelection + ".count", item, item + ".EntryID", item + ".Parent",
+             item + ".Parent.StoreID", AddingOf(item, "ACID")[0], AddingOf(item, "ACID")[1],
+             AddingOf(item, "Kestrelon")[0], AddingOf(item, "Kestrelon")[1],
+             AddingOf(item, "guid")[0], AddingOf(item, "guid")[1],
+             property + "ACID\", 1, True) = \"A1\"", property + "Kestrelon\", 1, True) = \"true\"",
+             property + "guid\", 1, True) = \"01234567-89AB-CDEF-0123-456789ABCDEF\"",
+             item + ".save()"}));
+  EXPECT_EQ(desktop.messages,
+            (Messages{{u"Appointment was synchronised with Kestrelon. Please wait until next mail "
+                       u"scan.",
+                       0, u"Kestrelon"}}));
+  EXPECT_FALSE(context.state.outlook_application.IsNothing());
+  EXPECT_FALSE(context.state.mapi_namespace.IsNothing());
+}
+
+TEST_F(Appointments, AnyOtherSelectionIsRefused) {
+  Value account_id = u"A1";
+  desktop.Answer(kSelection + ".count", {2, 0});
+  EXPECT_TRUE(AddAppointment(context, account_id).IsEmpty());
+  EXPECT_TRUE(AddAppointment(context, account_id).IsEmpty());
+  EXPECT_EQ(desktop.messages,
+            (Messages{{u"You cannot add more than 1 item at a time. Please select 1 item only and "
+                       u"try again.",
+                       0, u"Kestrelon"},
+                      {u"Please select an item to add", 64, u"Select an item"}}));
+  EXPECT_FALSE(context.state.outlook_application.IsNothing());
+}
+
+TEST_F(Appointments, StampingNamesTheStepThatFailed) {
+  const std::string item = kSelection + ".item(1)";
+  const struct {
+    std::string call;
+    const char16_t* step;
+  } cases[] = {
+      {"attach", u"getting Outlook Application"},
+      {kNamespace, u"getting MAPI Namespace"},
+      {kOutlook + ".ActiveExplorer", u"getting Selected Item"},
+      {kSelection + ".count", u"checking Item Count"},
+      {item, u"getting Entry ID"},
+      {item + ".Parent", u"getting Store ID"},
+      {item + ".UserProperties.Add(\"ACID\", 1, True)", u"adding ACID parameter"},
+      {item + ".UserProperties.Add(\"Kestrelon\", 1, True)", u"adding Kestrelon parameter"},
+      {item + ".UserProperties.Add(\"guid\", 1, True)", u"adding guid parameter"},
+      {item + ".UserProperties.Add(\"ACID\", 1, True) =", u"setting ACID parameter"},
+      {item + ".UserProperties.Add(\"Kestrelon\", 1, True) =", u"setting Kestrelon parameter"},
+      {item + ".UserProperties.Add(\"guid\", 1, True) =", u"setting Kestrelon parameter"},
+      {item + ".save", u"saving item"},
+  };
+  desktop.Answer(kSelection + ".count", {1});
+  for (const auto& example : cases) {
+    desktop.StopFailing();
+    desktop.Fail(example.call, AutomationError(5));
+    Value account_id = u"A1";
+    EXPECT_EQ(AddAppointment(context, account_id).ToText(),
+              u"An error occured whilst " + String(example.step) +
+                  u": Invalid procedure call or argument");
+    EXPECT_TRUE(NothingHeld()) << example.call;
+  }
+  EXPECT_TRUE(desktop.messages.empty());
+}
+
+TEST_F(Appointments, GuidTextLosesItsBraces) {
+  EXPECT_EQ(NewGuidString(context), u"01234567-89AB-CDEF-0123-456789ABCDEF");
+  desktop.guid = u"no braces";
+  EXPECT_EQ(NewGuidString(context), u"no braces");
+  desktop.guid.reset();
+  EXPECT_EQ(NewGuidString(context), u"");
+}
+
+TEST_F(Appointments, TaskIsOpenedFromTheStoreOfTheTasks) {
+  const std::string tasks = kNamespace + ".GetDefaultFolder(13)";
+  const std::string task = kNamespace + ".GetItemFromID(\"T\", \"store\")";
+  desktop.Answer(tasks + ".StoreID", {Value(u"store")});
+  String id = u"T";
+  EXPECT_EQ(OpenTask(context, id), u"");
+  EXPECT_EQ(desktop.log, (Lines{"create Outlook.Application", kNamespace, tasks, tasks + ".StoreID",
+                                task, task + ".Display()"}));
+  EXPECT_EQ(context.state.remembered_store_id, u"store");
+  const struct {
+    std::string call;
+    int32_t number;
+    const char16_t* result;
+  } failures[] = {
+      {"create", 429, u"NoOutlook"},
+      {"create", 70, u"NoOutlook"},
+      {kNamespace, 5, u"NoOutlook"},
+      {tasks + ".StoreID", 5, u"NoOutlook"},
+      {task, -2147221233, u"The task cannot be found, it may have been deleted"},
+      {task, 429, u"This task does not belong to you"},
+      {task + ".Display", 429, u"NoOutlook"},
+      {task + ".Display", -2147221233, u"8"},
+  };
+  for (const auto& example : failures) {
+    desktop.StopFailing();
+    desktop.Fail(example.call, AutomationError(example.number));
+    EXPECT_EQ(OpenTask(context, id), example.result) << example.call;
+    EXPECT_TRUE(NothingHeld());
+  }
+}
+
+TEST_F(Appointments, SharedAppointmentIsLookedForInItsCalendar) {
+  const std::string recipient = kNamespace + ".CreateRecipient(\"Ann\")";
+  const std::string folder = kNamespace + ".GetSharedDefaultFolder(<" + recipient + ">, 9)";
+  desktop.Answer(recipient + ".Resolved", {true});
+  desktop.Answer(folder + ".Items.Each",
+                 {Value(Value::Array{desktop.NamedObject("X"), desktop.NamedObject("Y"),
+                                     desktop.NamedObject("Z")})});
+  desktop.Answer("X.EntryID", {Value(u"E1")});
+  desktop.Answer("Y.EntryID", {Value(u"e1")});
+  EXPECT_EQ(OpenOne(u"Ann@e1"), u"");
+  EXPECT_EQ(desktop.log,
+            (Lines{"create Outlook.Application", kNamespace, recipient, recipient + ".Resolve()",
+                   recipient + ".Resolved", folder, folder + ".Items", folder + ".Items.Each",
+                   "X.EntryID", "Y.EntryID", "Y.Display()"}));
+  EXPECT_FALSE(context.state.shared_mailbox_recipient.IsNothing());
+  EXPECT_TRUE(NothingHeld());
+  EXPECT_EQ(OpenOne(u"Ann@e3"), u"Appointment ID not found in calendar for 'Ann'");
+  EXPECT_EQ(OpenOne(u"a@b@c"), u"Bad parameter string");
+  EXPECT_TRUE(NothingHeld());
+  desktop.Answer(kNamespace + ".CreateRecipient(\"\").Resolved", {false});
+  EXPECT_EQ(OpenOne(u"@"), u"Unable to access user ''");
+  for (const std::string& call : {kNamespace, recipient, folder, folder + ".Items.Each",
+                                  std::string("X.EntryID"), std::string("Y.Display")}) {
+    desktop.StopFailing();
+    desktop.Fail(call, AutomationError(-2147221231));
+    EXPECT_EQ(OpenOne(u"Ann@e1"), u"9") << call;
+    EXPECT_TRUE(NothingHeld());
+  }
+}
+
+TEST_F(Appointments, OwnAppointmentIsOpenedById) {
+  const std::string calendar = kNamespace + ".GetDefaultFolder(9)";
+  const std::string item = kNamespace + ".GetItemFromID(\"E\", \"store\")";
+  desktop.Answer(calendar + ".StoreID", {Value(u"store")});
+  EXPECT_EQ(OpenOne(u"E"), u"");
+  EXPECT_EQ(desktop.log, (Lines{"create Outlook.Application", kNamespace, calendar,
+                                calendar + ".StoreID", item, item + ".Display()"}));
+  EXPECT_EQ(context.state.remembered_store_id, u"store");
+  const struct {
+    std::string call;
+    int32_t number;
+    const char16_t* result;
+  } failures[] = {
+      {"create", 5, u"NoOutlook"},
+      {kNamespace, 429, u"NoOutlook"},
+      {calendar, -2147221233, u"9"},
+      {item + ".Display", -2147221233, u"9"},
+  };
+  for (const auto& example : failures) {
+    desktop.StopFailing();
+    desktop.Fail(example.call, AutomationError(example.number));
+    EXPECT_EQ(OpenOne(u"E"), example.result) << example.call;
+    EXPECT_TRUE(NothingHeld());
+  }
+}
+
+// What a user is told when the appointment cannot be had. Two texts are listed for one number; only
+// the first can come.
+TEST_F(Appointments, EveryKnownErrorHasItsSentence) {
+  const struct {
+    int32_t number;
+    const char16_t* text;
+  } cases[] = {
+      {-2147221212,
+       u"The account being used to connect to the mail server has been disabled. Contact your "
+       u"Exchange Server Administrator"},
+      {-2147221237,
+       u"Another operation is in progress; it should be allowed to complete, or it should be "
+       u"stopped, before this operation should be initiated"},
+      {-2147467259,
+       u"It is probable that the sending limit property has been set on the mailbox and there are "
+       u"enough messages in the mailbox to meet the limit criteria."},
+      {-2147221226, u"There was a problem writing to or reading from disk."},
+      {-2147221219,
+       u"You may have insufficient permissions to the mailbox that you are logged onto."},
+      {-2147221213,
+       u"The request cannot be processed because of access permissions on the mail server."},
+      {-2147221231,
+       u"The workstation account being used to connect to the mail server is not valid"},
+      {-2147221227, u"There was a network failure while trying to complete the current operation"},
+      {-2147221246,
+       u"One or more elements of the Windows Messaging Subsystem installed on the computer are out "
+       u"of date"},
+      {-2147221235, u"Hard disk may be out of space"},
+      {-2147024882, u"Not enough memory was available to complete the operation"},
+      {-2147221234, u"Not enough system resources were available to complete the operation"},
+      {-2147221233,
+       u"The appointment cannot be found, it may have been deleted or it may not belong to you"},
+      {-2147220222,
+       u"The transport provider cannot handle this message. The MAPI spooler should try to find "
+       u"another transport provider for it. Please check your Outlook delivery methods"},
+      {-2147221216, u"The Mail server has responded that your logon password must be changed"},
+      {-2147221215, u"The Mail server has responded that your password has expired"},
+      {-2147221228,
+       u"An asynchronous operation is in progress and cannot be stopped or it has already "
+       u"completed"},
+      {-2147221220, u"Your MAPI Logon has not been configured properly"},
+      {-2147221242,
+       u"CDO 1.21 does not ship with Outlook 97 or the Exchange clients. It must be obtained and "
+       u"installed separately."},
+      {-2147221232,
+       u"The version of OLE installed on the workstation is not compatible with this version of "
+       u"MAPI."},
+      {-2147221241, u"An invalid entry id was supplied for this appointment."},
+      {429, u"An unknown error (429) occurred attempting to open this appointment. Text"},
+      {7, u"An unknown error (7) occurred attempting to open this appointment. Text"},
+      {-2147221000,
+       u"An unknown error (-2147221000) occurred attempting to open this appointment. Text"},
+  };
+  for (const auto& example : cases) {
+    desktop.StopFailing();
+    desktop.Fail(kNamespace + ".GetItemFromID", AutomationError(example.number, u"Text"));
+    EXPECT_EQ(OpenOne(u"E"), example.text) << example.number;
+    EXPECT_TRUE(NothingHeld());
+  }
+}
+
+}  // namespace
+}  // namespace kestrelon
