@@ -128,8 +128,8 @@ int32_t ScriptedDesktop::GetOsVersion(OsVersionRecord& record) {
 
 void ScriptedDesktop::SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
                                    uint32_t /*extra_information*/) {
-  log.push_back("key " + std::to_string(key_code) + " " + std::to_string(scan_code) + " " +
-                std::to_string(flags));
+  Perform("key " + std::to_string(key_code) + " " + std::to_string(scan_code) + " " +
+          std::to_string(flags));
 }
 
 }  // namespace kestrelon::testing

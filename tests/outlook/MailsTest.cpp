@@ -1,0 +1,180 @@
+#include <gtest/gtest.h>
+
+#include "outlook/Mails.h"
+#include "tests/support/ScriptedDesktop.h"
+
+namespace kestrelon {
+namespace {
+
+using testing::ScriptedDesktop;
+using testing::ShownMessage;
+using Lines = std::vector<std::string>;
+using SendWithOriginal = bool (*)(ControlContext&, String&, String&, String&, String&, String&,
+                                  String&);
+
+const std::string kMail = "Outlook.Application.CreateItem(0)";
+const Lines kNewMail = {"create Outlook.Application", kMail};
+
+class Mails : public ::testing::Test {
+ protected:
+  void Generate(String mail_type, String address = u"a@b") {
+    String body = u"<p>";
+    String subject = u"Q-17";
+    String address_type = u"Fax";
+    EXPECT_TRUE(GenerateEmail(context, body, address, subject, mail_type, address_type).IsEmpty());
+  }
+  bool Send(SendWithOriginal send, String body) {
+    String address = u"O\\'B";
+    String from = u"f";
+    String sent = u"s";
+    String to = u"t";
+    String subject = u"u";
+    return send(context, address, from, sent, to, subject, body);
+  }
+  // The log behind the creation of the mail, which it is to begin with.
+  Lines AfterCreation() const {
+    EXPECT_EQ(Lines(desktop.log.begin(), desktop.log.begin() + 2), kNewMail);
+    return {desktop.log.begin() + 2, desktop.log.end()};
+  }
+  static Lines Sequence(const Lines& calls) {
+    Lines lines;
+    for (const std::string& call : calls) lines.push_back(kMail + "." + call);
+    return lines;
+  }
+
+  ScriptedDesktop desktop;
+  ControlContext context{desktop};
+};
+
+TEST_F(Mails, PlaceholdersStandForMissingAddressesAndKindsMatchExactly) {
+  const struct {
+    const char16_t* address;
+    const char16_t* address_type;
+    const char16_t* mail_type;
+    const char16_t* recipient;
+  } cases[] = {
+      {u"a@b", u"Fax", u"Quote", u"a@b"},
+      {u"Null", u"Fax", u"Quote", u"Null"},
+      {u"null", u"Fax", u"Quote", u"ENTER THE FAX ADDRESS OF THE RECIPIENT OF THE QUOTE HERE"},
+      {u"", u"fax", u"Quote", u"ENTER THE E-MAIL ADDRESS OF THE RECIPIENT OF THE QUOTE HERE"},
+      {u"", u"Fax", u"quote", u"ENTER THE FAX ADDRESS OF THE RECIPIENT OF THE REPORT HERE"},
+      {u"null", u"", u"", u"ENTER THE E-MAIL ADDRESS OF THE RECIPIENT OF THE REPORT HERE"},
+  };
+  for (const auto& example : cases) {
+    EXPECT_EQ(GetRecipientAddress(example.address, example.address_type, example.mail_type),
+              example.recipient);
+  }
+  EXPECT_EQ(GetMailSubject(u"", u"Quote"), u"");
+  EXPECT_EQ(GetMailSubject(u"Q-17", u"Quote"), u"Quote: Q-17");
+  EXPECT_EQ(GetMailSubject(u"Q-17", u"quote"), u"Report on: Q-17");
+}
+
+TEST_F(Mails, GeneratedMailFollowsAPictureOfTheScreen) {
+  Generate(u"Quote", u"");
+  EXPECT_EQ(desktop.log,
+            (Lines{"key 44 1 0", "create Outlook.Application", kMail, kMail + ".Recipients",
+                   kMail + ".Recipients.Add(\"ENTER THE FAX ADDRESS OF THE RECIPIENT OF THE QUOTE "
+                           "HERE\")",
+                   kMail + ".Subject = \"Quote: Q-17\"", kMail + ".HTMLBody = \"<p>\"",
+                   kMail + ".display()"}));
+  EXPECT_EQ(context.state.os_version.size, 148U);
+  EXPECT_EQ(context.state.os_version_result, 1);
+  EXPECT_TRUE(context.state.current_mail.IsNothing());
+  EXPECT_TRUE(context.state.outlook_application.IsNothing());
+}
+
+TEST_F(Mails, OldSystemsGetThePictureOfTheWindowUntilANewerOneIsSeen) {
+  desktop.os_major_version = 4;
+  Generate(u"Quote");
+  desktop.log.resize(5);
+  EXPECT_EQ(desktop.log, (Lines{"key 18 0 0", "key 44 0 0", "key 44 0 2", "key 18 0 2",
+                                "create Outlook.Application"}));
+  context.state.is_newer_system = true;
+  desktop.log.clear();
+  Generate(u"Quote");
+  EXPECT_EQ(desktop.log[0], "key 44 1 0");
+}
+
+TEST_F(Mails, OnlyAMissingOutlookIsReportedForAReport) {
+  const String text = u". Ensure Microsoft Outlook is available and configured for your use.";
+  const struct {
+    const char16_t* mail_type;
+    int32_t number;
+    const char16_t* kind;
+  } cases[] = {{u"Quote", 429, u"quote"},
+               {u"Report", 429, u"report"},
+               {u"quote", 429, u"report"},
+               {u"Report", 462, u"quote"}};
+  for (const auto& example : cases) {
+    desktop.StopFailing();
+    desktop.Fail(kMail, AutomationError(example.number));
+    Generate(example.mail_type);
+    const String kind = example.kind;
+    EXPECT_EQ(desktop.messages.back(),
+              (ShownMessage{u"Unable to send this " + kind + text, 64, u"Unable to send " + kind}));
+    EXPECT_TRUE(context.state.outlook_application.IsNothing());
+  }
+}
+
+TEST_F(Mails, SimpleMailUnescapesItsAddressForTheCallerToo) {
+  String address = u"O\\'Brien\\'s; a'b\\";
+  EXPECT_TRUE(SendEmail(context, address));
+  EXPECT_EQ(address, u"O'Brien's; a'b\\");
+  EXPECT_EQ(AfterCreation(), Sequence({"To = \"O'Brien's; a'b\\\\\"", "display()"}));
+  desktop.Fail(kMail, AutomationError(5));
+  address = u"\\'";
+  EXPECT_FALSE(SendEmail(context, address));
+  EXPECT_EQ(address, u"\\'") << "the address was changed without a mail to go into";
+}
+
+TEST_F(Mails, RepliesQuoteTheOriginalInItsOwnForm) {
+  const std::string to = "To = \"O\\\\'B\"";
+  const std::string subject = "Subject = \"RE: u\"";
+  const std::string plain =
+      "body = \"\\r\\n\\r\\n-----Original Message-----\\r\\nFrom:f\\r\\nSent:s\\r\\nTo:t\\r\\n"
+      "Subject:u\\r\\n\\r\\nhello\"";
+  const std::string html =
+      "HTMLBody = \"<br>-----Original Message-----<br>From:f<br>Sent:s<br>To:t<br>"
+      "Subject:u<br><br>a <Html> b\"";
+  const struct {
+    SendWithOriginal send;
+    const char16_t* body;
+    Lines calls;
+  } cases[] = {
+      {&SendEmailFull, u"<html>", {to, "Subject = \"u\"", "body = \"<html>\"", "display()"}},
+      {&SendEmailWithOriginal, u"hello", {to, subject, plain, "display()"}},
+      {&SendEmailWithOriginal, u"a <Html> b", {to, subject, html, "display()"}},
+      {&ForwardEmailWithOriginal, u"hello", {subject, plain, "display()", to}},
+      {&ForwardEmailWithOriginal, u"a <Html> b", {subject, html, "display()", to}},
+  };
+  for (const auto& example : cases) {
+    desktop.log.clear();
+    EXPECT_TRUE(Send(example.send, example.body));
+    EXPECT_EQ(AfterCreation(), Sequence(example.calls));
+    EXPECT_TRUE(context.state.outlook_application.IsNothing());
+  }
+}
+
+TEST_F(Mails, ContactsFolderIsMadeOnlyWhereNoneHasTheName) {
+  const std::string top = "Outlook.Application.GetNamespace(\"MAPI\").GetDefaultFolder(10)";
+  desktop.Answer(top + ".Folders.Each",
+                 {Value(Value::Array{desktop.NamedObject("A"), desktop.NamedObject("B")})});
+  desktop.Answer("A.Name", {Value(u"Clients")});
+  desktop.Answer("B.Name", {Value(u"5")});
+  for (const auto& [name, is_made] : {std::pair{Value(u"Clients"), false},
+                                      {Value(u"clients"), true},
+                                      {Value(int32_t{5}), false},
+                                      {Value(u""), true}}) {
+    desktop.log.clear();
+    Value foldername = name;
+    EXPECT_TRUE(CheckForFolder(context, foldername));
+    const std::string add = top + ".Folders.Add(\"" + ToUtf8(name.ToText()) + "\", 10)";
+    EXPECT_EQ(desktop.log.back(), is_made ? add : "B.Name");
+  }
+  Value foldername = Value::Null{};
+  EXPECT_FALSE(CheckForFolder(context, foldername));
+  EXPECT_TRUE(desktop.messages.empty());
+}
+
+}  // namespace
+}  // namespace kestrelon
