@@ -1,0 +1,174 @@
+#include <gtest/gtest.h>
+
+#include "outlook/Stamps.h"
+#include "tests/support/ScriptedDesktop.h"
+
+namespace kestrelon {
+namespace {
+
+using testing::ScriptedDesktop;
+using testing::ShownMessage;
+using Lines = std::vector<std::string>;
+
+const std::string kNamespace = "Outlook.Application.GetNamespace(\"MAPI\")";
+const Lines kOpened = {"create Outlook.Application", kNamespace};
+
+class Stamps : public ::testing::Test {
+ protected:
+  String SetImport(String item_type) {
+    String item_id = u"7";
+    String entry_id = u"E";
+    return SetImportID(context, item_id, entry_id, item_type);
+  }
+  bool Mark(String item_type, String item_id = u"X9") {
+    String store_id = u"S";
+    String entry_id = u"E";
+    String account_id = u"A1";
+    return SetItemAsKestrelon(context, item_type, store_id, entry_id, account_id, item_id);
+  }
+  String Check(String item_type) {
+    String crm_id = u"7";
+    return CheckIfSynchronised(context, crm_id, item_type);
+  }
+  // Fills a folder with items whose "KESTID" is each of `ids`; nullptr for one that has none.
+  void Fill(const std::string& folder, const std::vector<const char16_t*>& ids,
+            const std::string& display_field) {
+    desktop.Answer(folder + ".Items.count", {static_cast<int32_t>(ids.size())});
+    for (size_t i = 0; i < ids.size(); ++i) {
+      const std::string number = std::to_string(i + 1);
+      const std::string item = folder + ".Items.item(" + number + ")";
+      const std::string property = item + ".UserProperties.Find(\"KESTID\")";
+      if (ids[i] == nullptr) {
+        desktop.Answer(property, {Value(DispatchPointer())});
+      } else {
+        desktop.Answer(property + ".Value", {Value(ids[i])});
+      }
+      desktop.Answer(item + "." + display_field, {Value(FromUtf8("Item " + number))});
+    }
+  }
+  void AddSubfolder(const std::string& top, int32_t number, int32_t item_type) {
+    desktop.Answer(top + ".Folders.count", {number});
+    const std::string folder = top + ".Folders.item(" + std::to_string(number) + ")";
+    desktop.Answer(folder + ".DefaultItemType", {item_type});
+    desktop.Answer(folder + ".Name", {Value(FromUtf8("Sub " + std::to_string(number)))});
+  }
+  bool NothingHeld() const {
+    const ObjectState& state = context.state;
+    return state.outlook_application.IsNothing() && state.mapi_namespace.IsNothing() &&
+           state.current_contact.IsNothing() && state.current_task.IsNothing() &&
+           state.user_properties.IsNothing();
+  }
+
+  ScriptedDesktop desktop;
+  ControlContext context{desktop};
+};
+
+TEST_F(Stamps, ImportIdIsAddedWithoutALookForOne) {
+  const std::string item = kNamespace + ".GetItemFromID(\"E\")";
+  const std::string property = item + ".UserProperties.Add(\"KESTID\", 1)";
+  for (const char16_t* type : {u"contact", u"Task"}) {
+    desktop.log.clear();
+    EXPECT_EQ(SetImport(type), u"");
+    EXPECT_EQ(desktop.log, (Lines{kOpened[0], kOpened[1], item, item + ".UserProperties", property,
+                                  property + ".Value = \"7\"", item + ".save()"}));
+    EXPECT_TRUE(NothingHeld());
+  }
+  desktop.log.clear();
+  EXPECT_EQ(SetImport(u"appointment"), u"");
+  EXPECT_EQ(desktop.log, kOpened);
+  desktop.Fail(property, AutomationError(5));
+  EXPECT_EQ(SetImport(u"contact"),
+            u"An error occurred setting the item id for the Outlook item. Please contact your "
+            u"system administrator");
+  EXPECT_TRUE(NothingHeld());
+  EXPECT_TRUE(desktop.messages.empty());
+}
+
+TEST_F(Stamps, ItemTypeSaysWhichIdsAreWritten) {
+  const std::string item = kNamespace + ".GetItemFromID(\"E\", \"S\")";
+  const std::string properties = item + ".UserProperties";
+  const Lines activity = {"USTID", "{X9}"};
+  const struct {
+    const char16_t* type;
+    const char16_t* item_id;
+    Lines stamps;  // names and values by turns, behind that of every item
+  } cases[] = {
+      {u"Appointment", u"X9", {"guid", "X9", "ACID", "A1"}},
+      {u"activity", u"X9", activity},
+      {u"TASK", u"{X9}", activity},
+      {u"accountactivity", u"X9", activity},
+      {u"contactactivity", u"X9", activity},
+      {u"opportunityactivity", u"X9", activity},
+      {u"projectactivity", u"X9", activity},
+      {u"task", u"", {"USTID", "{}"}},
+      {u"Contact", u"X9", {"KESTID", "X9"}},
+      {u"email", u"X9", {}},
+      {u" task", u"X9", {}},
+  };
+  for (const bool is_there : {true, false}) {
+    for (const auto& example : cases) {
+      desktop.log.clear();
+      Lines stamps = {"Kestrelon", "true"};
+      stamps.insert(stamps.end(), example.stamps.begin(), example.stamps.end());
+      Lines expected = {kOpened[0], kOpened[1], item};
+      for (size_t i = 0; i < stamps.size(); i += 2) {
+        const std::string find = properties + ".Find(\"" + stamps[i] + "\")";
+        const std::string add = properties + ".Add(\"" + stamps[i] + "\", 1, True)";
+        if (!is_there) desktop.Answer(find, {Value(DispatchPointer())});
+        expected.push_back(properties);
+        expected.push_back(find);
+        if (!is_there) expected.push_back(add);
+        expected.push_back((is_there ? find : add) + ".Value = \"" + stamps[i + 1] + "\"");
+      }
+      expected.push_back(item + ".save()");
+      EXPECT_TRUE(Mark(example.type, example.item_id));
+      EXPECT_EQ(desktop.log, expected);
+      EXPECT_TRUE(NothingHeld());
+    }
+  }
+}
+
+TEST_F(Stamps, MarkingFallsBackToTheLoopbackAddressAndTellsWhatFailed) {
+  desktop.fail_at = 1;
+  EXPECT_TRUE(Mark(u"email"));
+  EXPECT_EQ(desktop.log[1], "create Outlook.Application on 127.0.0.1");
+  EXPECT_TRUE(desktop.messages.empty());
+  desktop.fail_at = 0;
+  desktop.Fail("create", AutomationError(462));
+  EXPECT_FALSE(Mark(u"email"));
+  desktop.StopFailing();
+  desktop.Fail(kNamespace + ".GetItemFromID", AutomationError(-2147221233, u"Gone"));
+  EXPECT_FALSE(Mark(u"email"));
+  EXPECT_EQ(desktop.messages,
+            (std::vector<ShownMessage>{
+                {u"The remote server machine does not exist or is unavailable", 0, std::nullopt},
+                {u"Gone", 0, std::nullopt}}));
+  EXPECT_TRUE(NothingHeld());
+}
+
+TEST_F(Stamps, SearchTellsWhereTheItemIs) {
+  const std::string contacts = kNamespace + ".GetDefaultFolder(10)";
+  const std::string tasks = kNamespace + ".GetDefaultFolder(13)";
+  desktop.Answer(contacts + ".Folders.count", {0});
+  Fill(contacts, {nullptr, u"77", u""}, "FullName");
+  EXPECT_EQ(Check(u"contact"), u"false");
+  // The last one of the top folder wins.
+  Fill(contacts, {u"7", nullptr, u"7", u"8"}, "FullName");
+  EXPECT_EQ(Check(u"Contact"), u"Item 3 in folder Contacts.");
+  EXPECT_TRUE(NothingHeld());
+  // Any other type is searched for among the tasks, and subfolders of another kind are passed over.
+  Fill(tasks, {u"6"}, "Subject");
+  AddSubfolder(tasks, 1, 2);
+  AddSubfolder(tasks, 2, 3);
+  Fill(tasks + ".Folders.item(2)", {u"5", u"7"}, "Subject");
+  EXPECT_EQ(Check(u"appointment"), u"Item 2 in folder Sub 2");
+  Fill(tasks, {u"7"}, "Subject");
+  EXPECT_EQ(Check(u""), u"Item 1 in folder Tasks.");
+  desktop.Fail(tasks + ".Items.item(1).UserProperties", AutomationError(5));
+  EXPECT_EQ(Check(u""), u"unknown");
+  EXPECT_TRUE(NothingHeld());
+  EXPECT_TRUE(desktop.messages.empty());
+}
+
+}  // namespace
+}  // namespace kestrelon
