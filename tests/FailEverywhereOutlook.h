@@ -20,19 +20,21 @@ enum class References {
 struct OutlookCase {
   const char16_t* member;
   std::vector<Value> arguments;
-  // The result, as text, of a call that did all of its work; a failure that a member gets over
-  // gives it too.
+  // The result, as text, of a call that did all of its work; also of one that got over
+  // a failure.
   const char16_t* success;
-  // What else a call may return after a failure; "…" stands for any rest.
+  // What any other failure gives; "…" stands for any rest.
   std::vector<StringView> failures;
-  // So many message boxes at most after a failure that shows in the result; none at all for 0, and
-  // one at least otherwise.
+  // So many message boxes at most after such a failure; none at all for 0, and one at least
+  // otherwise.
   size_t most_messages;
   References references;
   // Answers of the desktop, and what earlier members left behind.
   std::function<void(ScriptedDesktop& desktop, ObjectState& state)> prepare = nullptr;
   // The failure may be the page's instead of a result.
   bool may_raise = false;
+  // So many of its calls can fail and the member still does all of its work.
+  int forgiven = 0;
 };
 
 const std::vector<OutlookCase>& OutlookCases();

@@ -12,7 +12,9 @@ namespace kestrelon {
 namespace testing {
 namespace {
 
+const std::string kNamespace = "Outlook.Application.GetNamespace(\"MAPI\")";
 const std::string kSelection = "Outlook.Application.ActiveExplorer.selection";
+const Value kNothing = Value(DispatchPointer());
 
 void SelectItems(ScriptedDesktop& desktop, int32_t count) {
   desktop.Answer(kSelection + ".count", {count});
@@ -24,11 +26,115 @@ void SelectItems(ScriptedDesktop& desktop, int32_t count) {
   }
 }
 
+void SelectOne(ScriptedDesktop& desktop, ObjectState&) { SelectItems(desktop, 1); }
 void SelectTwo(ScriptedDesktop& desktop, ObjectState&) { SelectItems(desktop, 2); }
+
+void ReachOutlookByLoopback(ScriptedDesktop& desktop, ObjectState&) {
+  desktop.Answer("create Outlook.Application", {desktop.NamedObject("Direct")});
+  desktop.Fail("Direct.CreateItem", AutomationError(462));
+}
+
+void FillSharedCalendar(ScriptedDesktop& desktop, ObjectState&) {
+  const std::string recipient = kNamespace + ".CreateRecipient(\"Ann\")";
+  desktop.Answer(recipient + ".Resolved", {true});
+  desktop.Answer(kNamespace + ".GetSharedDefaultFolder(<" + recipient + ">, 9).Items.Each",
+                 {Value(Value::Array{desktop.NamedObject("Item")})});
+  desktop.Answer("Item.EntryID", {Value(u"E")});
+}
+
+void ListNoFolders(ScriptedDesktop& desktop, ObjectState&) {
+  desktop.Answer(kNamespace + ".GetDefaultFolder(10).Folders.Each", {Value(Value::Array{})});
+}
+
+void LeaveUnstamped(ScriptedDesktop& desktop, ObjectState&) {
+  for (const char* name : {"Kestrelon", "guid", "ACID"}) {
+    desktop.Answer(
+        kNamespace + ".GetItemFromID(\"E\", \"S\").UserProperties.Find(\"" + name + "\")",
+        {kNothing});
+  }
+}
+
+void StampOneInSubfolder(ScriptedDesktop& desktop, ObjectState&) {
+  const std::string contacts = kNamespace + ".GetDefaultFolder(10)";
+  const std::string folder = contacts + ".Folders.item(1)";
+  desktop.Answer(contacts + ".Items.count", {1});
+  desktop.Answer(contacts + ".Items.item(1).UserProperties.Find(\"KESTID\")", {kNothing});
+  desktop.Answer(contacts + ".Folders.count", {1});
+  desktop.Answer(folder + ".DefaultItemType", {2});
+  desktop.Answer(folder + ".Name", {Value(u"Clients")});
+  desktop.Answer(folder + ".Items.count", {1});
+  const std::string item = folder + ".Items.item(1)";
+  desktop.Answer(item + ".UserProperties.Find(\"KESTID\").Value", {Value(u"7")});
+  desktop.Answer(item + ".FullName", {Value(u"Ann")});
+}
+
+// One item, which the CRM does not know.
+auto FillFolder(int32_t folder, int32_t item_class) {
+  return [=](ScriptedDesktop& desktop, ObjectState&) {
+    desktop.Answer(kNamespace + ".GetDefaultFolder(" + std::to_string(folder) + ").Items.Each",
+                   {Value(Value::Array{desktop.NamedObject("Item")})});
+    desktop.Answer("Item.Class", {item_class});
+    for (const char* name : {"Kestrelon", "KESTID", "USTID"}) {
+      desktop.Answer("Item.UserProperties.Find(\"" + std::string(name) + "\")", {kNothing});
+    }
+    for (const char* name : {"FullName", "Subject", "EntryID"}) {
+      desktop.Answer("Item." + std::string(name), {Value(u"x")});
+    }
+  };
+}
+
+const std::vector<Value> kReply = {u"to", u"from", u"sent", u"to", u"subject", u"<html>"};
 
 std::vector<OutlookCase> AllCases() {
   using enum References;
   return {
+      // Appointments and tasks.
+      {u"NewAppointment",
+       {u"1¬subject=s¬location=l¬guid=g", u"crm", u"v", false},
+       u"",
+       {u"7"},
+       0,
+       kReleased,
+       nullptr,
+       false,
+       2},
+      {u"NewAppointment",
+       {u"1", u"crm", u"v", false},
+       u"",
+       {u"7"},
+       0,
+       kReleased,
+       ReachOutlookByLoopback,
+       true,
+       2},
+      {u"AddAppointment",
+       {u"A1"},
+       u"success",
+       {u"An error occured whilst …"},
+       0,
+       kReleasedAfterFailure,
+       SelectOne},
+      {u"OpenTask",
+       {u"E"},
+       u"",
+       {u"NoOutlook", u"This task does not belong to you", u"8"},
+       0,
+       kReleased},
+      {u"OpenAppointment",
+       {u"E"},
+       u"",
+       {u"NoOutlook", u"An unknown error (1234) occurred…", u"9"},
+       0,
+       kReleased},
+      {u"OpenAppointment", {u"Ann@E"}, u"", {u"NoOutlook", u"9"}, 0, kReleased, FillSharedCalendar},
+      // Mails.
+      {u"GenerateEmail", {u"<p>", u"a@b", u"s", u"Quote", u"E-mail"}, u"", {u""}, 1, kReleased},
+      {u"SendEmail", {u"a@b"}, u"True", {u"False"}, 0, kReleased},
+      {u"SendEmailFull", kReply, u"True", {u"False"}, 0, kReleased},
+      {u"SendEmailWithOriginal", kReply, u"True", {u"False"}, 0, kReleased},
+      {u"ForwardEmailWithOriginal", kReply, u"True", {u"False"}, 0, kReleased},
+      {u"CheckForFolder", {u"Clients"}, u"True", {u"False"}, 0, kReleased, ListNoFolders},
+      // Selected items.
       {u"GetOutlookSelection", {}, u"x,x,x,x", {u"No Outlook"}, 2, kReleased, SelectTwo},
       {u"GetOutlookSelectionString",
        {},
@@ -37,6 +143,39 @@ std::vector<OutlookCase> AllCases() {
        2,
        kReleased,
        SelectTwo},
+      // Stamps.
+      {u"SetImportID",
+       {u"7", u"E", u"contact"},
+       u"",
+       {u"An error occurred setting the item id …"},
+       0,
+       kReleased},
+      {u"SetImportID",
+       {u"7", u"E", u"task"},
+       u"",
+       {u"An error occurred setting the item id …"},
+       0,
+       kReleased},
+      {u"SetItemAsKestrelon",
+       {u"appointment", u"S", u"E", u"A1", u"7"},
+       u"True",
+       {u"False"},
+       1,
+       kReleased,
+       LeaveUnstamped,
+       false,
+       1},
+      {u"CheckIfSynchronised",
+       {u"7", u"contact"},
+       u"Ann in folder Clients",
+       {u"unknown"},
+       0,
+       kReleased,
+       StampOneInSubfolder},
+      // Items that the CRM does not know.
+      {u"GetUnsyncedAppts", {}, u"x#~x#~", {u""}, 1, kReleased, FillFolder(9, 26)},
+      {u"GetUnsyncedTasks", {}, u"x#~x#~", {u""}, 1, kReleased, FillFolder(13, 48)},
+      {u"GetUnsyncedContacts", {u""}, u"x#~x#~", {u""}, 1, kReleased, FillFolder(10, 40)},
   };
 }
 
@@ -88,26 +227,28 @@ class FailEverywhereInOutlook : public ::testing::TestWithParam<OutlookCase> {
     const std::string where = failed_ ? desktop.log[static_cast<size_t>(n) - 1] : "no failure";
     const String text = raised ? u"" : result.ToText();
 
-    const bool succeeded = !raised && text == example.success;
+    const bool is_failure = failed_ && (raised || IsAmong(example.failures, text));
     EXPECT_TRUE(!raised || (failed_ && example.may_raise)) << where << ": " << raised->what();
-    EXPECT_TRUE(raised || succeeded || (failed_ && IsAmong(example.failures, text)))
-        << where << ": " << ToUtf8(text);
-    if (failed_ && (raised || !succeeded)) {
+    EXPECT_TRUE(is_failure || text == example.success) << where << ": " << ToUtf8(text);
+    if (is_failure) {
       EXPECT_LE(desktop.messages.size(), example.most_messages) << where;
       EXPECT_EQ(desktop.messages.empty(), raised || example.most_messages == 0) << where;
     }
+    forgiven_ += failed_ && !is_failure ? 1 : 0;
     const bool releases = example.references == References::kReleased ||
-                          (example.references == References::kReleasedAfterFailure && !succeeded);
+                          (example.references == References::kReleasedAfterFailure && is_failure);
     EXPECT_EQ(AllReleased(context.state), releases) << where;
     EXPECT_EQ(context.state.bound_contact_folder.IsNothing(), releases) << where;
   }
   bool failed_ = false;
+  int forgiven_ = 0;
 };
 
 TEST_P(FailEverywhereInOutlook, LeadsToAKnownResultAndLetsGoOfOutlook) {
   Run(0);
   int n = 1;
   for (Run(n); failed_; Run(++n)) ASSERT_LT(n, 5000) << "does not end";
+  EXPECT_EQ(forgiven_, GetParam().forgiven);
   EXPECT_GT(n, 3) << "the member hardly calls anything";
 }
 

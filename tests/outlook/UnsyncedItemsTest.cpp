@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include "outlook/UnsyncedItems.h"
+#include "tests/support/ScriptedDesktop.h"
+
+namespace kestrelon {
+namespace {
+
+using testing::ScriptedDesktop;
+using testing::ShownMessage;
+
+const std::string kNamespace = "Outlook.Application.GetNamespace(\"MAPI\")";
+
+class UnsyncedItems : public ::testing::Test {
+ protected:
+  // An item that is named and identified by `id`; the user properties without a value are missing.
+  Value Item(const std::string& id, int32_t item_class,
+             const std::map<std::string, String>& properties) {
+    desktop.Answer(id + ".Class", {item_class});
+    for (const char* field : {".FullName", ".Subject"}) {
+      desktop.Answer(id + field, {Value(FromUtf8("name " + id))});
+    }
+    desktop.Answer(id + ".EntryID", {Value(FromUtf8(id))});
+    for (const char* name : {"Kestrelon", "KESTID", "USTID"}) {
+      const std::string find = id + ".UserProperties.Find(\"" + name + "\")";
+      const auto property = properties.find(name);
+      if (property == properties.end()) {
+        desktop.Answer(find, {Value(DispatchPointer())});
+      } else {
+        desktop.Answer(find + ".Value", {Value(property->second)});
+      }
+    }
+    return desktop.NamedObject(id);
+  }
+  void Fill(const std::string& folder, Value::Array items) {
+    desktop.Answer(kNamespace + "." + folder + ".Items.Each", {Value(std::move(items))});
+  }
+
+  ScriptedDesktop desktop;
+  ControlContext context{desktop};
+};
+
+TEST_F(UnsyncedItems, AreThoseWithoutTheStampOfTheirKind) {
+  Fill("GetDefaultFolder(9)",
+       {Item("a1", 26, {{"Kestrelon", u"true"}}), Item("a2", 26, {{"Kestrelon", u"True"}}),
+        Item("a3", 26, {{"KESTID", u"7"}}), Item("a4", 43, {})});
+  EXPECT_EQ(GetUnsyncedAppts(context).ToText(), u"name a2#~a2#~name a3#~a3#~");
+  Fill("GetDefaultFolder(13)",
+       {Item("t1", 48, {{"KESTID", u"7"}}), Item("t2", 48, {{"USTID", u"{7}"}}),
+        Item("t3", 48, {{"KESTID", u""}, {"USTID", u""}, {"Kestrelon", u"true"}}),
+        Item("t4", 48, {})});
+  EXPECT_EQ(GetUnsyncedTasks(context).ToText(), u"name t3#~t3#~name t4#~t4#~");
+  Fill("GetDefaultFolder(10)", {Item("c1", 40, {{"KESTID", u"7"}}), Item("c2", 69, {})});
+  String folder;
+  EXPECT_EQ(GetUnsyncedContacts(context, folder).ToText(), u"");
+  EXPECT_TRUE(desktop.messages.empty());
+  EXPECT_TRUE(context.state.outlook_application.IsNothing());
+  EXPECT_TRUE(context.state.current_folder.IsNothing());
+}
+
+TEST_F(UnsyncedItems, ContactsAreThoseOfTheFolderThatThePageNames) {
+  Fill("GetFolderFromID(\"F1\")", {Item("c1", 40, {{"USTID", u"7"}})});
+  String folder = u"#F#1";
+  EXPECT_EQ(GetUnsyncedContacts(context, folder).ToText(), u"name c1#~c1#~");
+  EXPECT_EQ(folder, u"F1");
+}
+
+TEST_F(UnsyncedItems, FailureIsToldAndTheListEndsThere) {
+  Fill("GetDefaultFolder(13)", {Item("t1", 48, {}), Item("t2", 48, {})});
+  desktop.Fail("t2.EntryID", AutomationError(5));
+  EXPECT_EQ(GetUnsyncedTasks(context).ToText(), u"name t1#~t1#~");
+  desktop.Fail(kNamespace, AutomationError(429));
+  EXPECT_EQ(GetUnsyncedAppts(context).ToText(), u"");
+  desktop.Fail("create", AutomationError(70));
+  String folder;
+  EXPECT_EQ(GetUnsyncedContacts(context, folder).ToText(), u"");
+  EXPECT_EQ(desktop.messages, (std::vector<ShownMessage>{
+                                  {u"An error occurred running GetUnsyncedTasks", 64, std::nullopt},
+                                  {u"An error occurred running GetUnsyncedAppts", 64, std::nullopt},
+                                  {u"Outlook does not appear to be installed", 0, std::nullopt}}));
+  EXPECT_TRUE(context.state.outlook_application.IsNothing());
+}
+
+}  // namespace
+}  // namespace kestrelon
