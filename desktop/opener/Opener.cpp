@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <linux/close_range.h>
+#include <poll.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,7 +11,9 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
+#include <vector>
 
 namespace kestrelon::desktop {
 namespace {
@@ -57,27 +61,53 @@ bool HasDisplay() {
   Fail(report);
 }
 
-// Starts the program as a grandchild, so that it never becomes a zombie of this process.
-bool StartDetached(std::string program, std::string target) {
+// All that is written to the pipe until its last writer is gone; at most `size` bytes.
+size_t ReadToEnd(int pipe, char* buffer, size_t size) {
+  size_t length = 0;
+  while (length < size) {
+    const ssize_t got = read(pipe, buffer + length, size - length);
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    length += static_cast<size_t>(got);
+  }
+  return length;
+}
+
+// Starts the program, with the words after its own, as a grandchild, so that it never becomes a
+// zombie of this process. Its process id; 0 when it cannot be started.
+pid_t StartDetached(std::vector<std::string> words) {
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
   int report[2];
-  if (pipe2(report, O_CLOEXEC) != 0) return false;
-  char* const arguments[] = {program.data(), target.data(), nullptr};
+  if (pipe2(report, O_CLOEXEC) != 0) return 0;
   const pid_t child = fork();
   if (child == 0) {
     const pid_t grandchild = fork();
-    if (grandchild == 0) BecomeProgram(program.c_str(), arguments, report[1]);
+    if (grandchild == 0) BecomeProgram(arguments[0], arguments.data(), report[1]);
     if (grandchild < 0) Fail(report[1]);
+    [[maybe_unused]] const ssize_t told = write(report[1], &grandchild, sizeof grandchild);
     _exit(0);
   }
   close(report[1]);
   while (child > 0 && waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
   }
-  char failure = 0;
-  ssize_t got = -1;
-  while ((got = read(report[0], &failure, 1)) < 0 && errno == EINTR) {
-  }
+  // The process id alone, or that and the mark of a failed start.
+  char told[sizeof(pid_t) + 1];
+  const size_t length = ReadToEnd(report[0], told, sizeof told);
   close(report[0]);
-  return child > 0 && got == 0;
+  pid_t program = 0;
+  if (child > 0 && length == sizeof program) std::memcpy(&program, told, sizeof program);
+  return program;
+}
+
+// Waits until a process that is no child of this one has ended, at most so many milliseconds.
+void WaitForEnd(pid_t process, int milliseconds) {
+  const int handle = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
+  if (handle < 0) return;  // it has ended
+  pollfd waiting{handle, POLLIN, 0};
+  poll(&waiting, 1, milliseconds);
+  close(handle);
 }
 
 }  // namespace
@@ -91,8 +121,16 @@ OpenOutcome OpenForUser(const std::string& target) {
   if (!HasOpener()) return OpenOutcome::kNoOpener;
   const std::string chosen = Environment("KESTRELON_OPENER");
   const std::string program = FindProgram(chosen.empty() ? "xdg-open" : chosen);
-  if (program.empty() || !StartDetached(program, target)) return OpenOutcome::kCannotStart;
+  if (program.empty() || StartDetached({program, target}) == 0) return OpenOutcome::kCannotStart;
   return OpenOutcome::kStarted;
+}
+
+bool RunForUser(const std::string& name, int milliseconds) {
+  const std::string program = FindProgram(name);
+  const pid_t process = program.empty() ? 0 : StartDetached({program});
+  if (process == 0) return false;
+  WaitForEnd(process, milliseconds);
+  return true;
 }
 
 }  // namespace kestrelon::desktop

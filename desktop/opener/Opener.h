@@ -22,4 +22,9 @@ bool HasOpener();
 // `target` is an absolute path or a link, UTF-8.
 OpenOutcome OpenForUser(const std::string& target);
 
+// Runs a program of the user's, a path or a name looked up in PATH, without arguments and on its
+// own as above, and waits for its end, but no longer than `milliseconds`. False when it cannot be
+// started.
+bool RunForUser(const std::string& name, int milliseconds);
+
 }  // namespace kestrelon::desktop

@@ -25,6 +25,27 @@ TEST(Opener, RunsInASessionOfItsOwn) {
   EXPECT_NE(opener.Next(), std::to_string(getsid(0)));
 }
 
+TEST(Opener, RunsAProgramAndWaitsForItsEnd) {
+  const RecordingOpener opener("$#");
+  EXPECT_TRUE(RunForUser(opener.program(), 10'000));
+  EXPECT_EQ(opener.Next(), "0");
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child was left behind";
+  EXPECT_FALSE(RunForUser("/nonexistent/program", 10'000));
+  EXPECT_FALSE(RunForUser("", 10'000));
+  // One that goes on is left alone.
+  const PrivateFolder folder("kestrelon-opener-test-");
+  const std::string script = folder.path() / "stays";
+  const std::string pipe = folder.path() / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  WriteFileAtomically(script, "#!/bin/sh\nread line < " + pipe + "\n");
+  std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+  ASSERT_TRUE(RunForUser(script, 0));
+  // It waits for its line still: opening its pipe to write finds a reader.
+  const int end = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
+  EXPECT_EQ(write(end, "\n", 1), 1);
+  close(end);
+}
+
 TEST(Opener, SaysWhenThereIsNothingToStart) {
   const ChangedEnvironment no_display("DISPLAY", "");
   const ChangedEnvironment no_wayland("WAYLAND_DISPLAY", "");
