@@ -1,12 +1,19 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include <sys/random.h>
+#include <sys/utsname.h>
+
 #include <algorithm>
 #include <array>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
 
 #include "desktop/filesystem/FileSystemObject.h"
+#include "desktop/opener/Opener.h"
 #include "desktop/outlook/objects/OutlookApplication.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/word/WordApplication.h"
@@ -31,6 +38,20 @@ constexpr std::array<Server, 8> kServers = {{
     {u"MSXML2.DOMDocument.6.0", &desktop::CreateXmlDocument},
     {u"Microsoft.XMLDOM", &desktop::CreateXmlDocument},
 }};
+
+constexpr uint32_t kVersionRecordSize = 148;
+constexpr uint8_t kPrintScreenKey = 44;
+constexpr uint32_t kKeyUp = 2;
+// The picture is to be taken before the mail that it goes into covers the screen; a program that
+// stays to hold the clipboard does not end at all. In milliseconds.
+constexpr int kScreenshotPatience = 2000;
+
+// "6.1.0-18-amd64" is 6, 1 and 0; a number that is not there is 0.
+std::array<uint32_t, 3> NumbersOfRelease(const char* release) {
+  std::array<uint32_t, 3> numbers{};
+  std::sscanf(release, "%" SCNu32 ".%" SCNu32 ".%" SCNu32, &numbers[0], &numbers[1], &numbers[2]);
+  return numbers;
+}
 
 // The servers are on this machine, which a script may also name.
 bool IsThisMachine(StringView server) {
@@ -116,12 +137,38 @@ FileVersion LinuxPlatform::ComponentVersion() {
           KESTRELON_VERSION_REVISION};
 }
 
-int32_t LinuxPlatform::GetOsVersion(OsVersionRecord&) { throw AutomationError(kNotImplemented); }
-
-void LinuxPlatform::SendKeyEvent(uint8_t, uint8_t, uint32_t, uint32_t) {
-  throw AutomationError(kNotImplemented);
+int32_t LinuxPlatform::GetOsVersion(OsVersionRecord& record) {
+  utsname system;
+  if (record.size != kVersionRecordSize || uname(&system) != 0) return 0;
+  const std::array<uint32_t, 3> numbers = NumbersOfRelease(system.release);
+  record.major_version = numbers[0];
+  record.minor_version = numbers[1];
+  record.build_number = numbers[2];
+  record.service_pack = {};
+  return 1;
 }
 
-std::optional<String> LinuxPlatform::CreateGuid() { throw AutomationError(kNotImplemented); }
+void LinuxPlatform::SendKeyEvent(uint8_t key_code, uint8_t /*scan_code*/, uint32_t flags,
+                                 uint32_t /*extra_information*/) {
+  if (key_code != kPrintScreenKey || (flags & kKeyUp) != 0) return;
+  const char* program = std::getenv("KESTRELON_SCREENSHOT");
+  // As a key on the keyboard, it cannot fail.
+  if (program != nullptr && *program != '\0') desktop::RunForUser(program, kScreenshotPatience);
+}
+
+std::optional<String> LinuxPlatform::CreateGuid() {
+  std::array<uint8_t, 16> bytes;
+  if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return {};
+  bytes[6] = static_cast<uint8_t>((bytes[6] & 0x0F) | 0x40);  // version 4: random
+  bytes[8] = static_cast<uint8_t>((bytes[8] & 0x3F) | 0x80);  // RFC 4122 variant
+  std::string text = "{";
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+    char digits[3];
+    std::snprintf(digits, sizeof digits, "%02X", unsigned{bytes[i]});
+    text += digits;
+  }
+  return FromUtf8(text + "}");
+}
 
 }  // namespace kestrelon

@@ -32,7 +32,8 @@ class LinuxPlatform final : public Platform {
   // Windows' record has no place for this system's version; it gets the kernel's numbers.
   int32_t GetOsVersion(OsVersionRecord& record) override;
   // Print Screen goes to the program $KESTRELON_SCREENSHOT, which is to put a picture of the screen
-  // on the clipboard; without that variable, and for any other key, nothing happens.
+  // on the clipboard, and is waited for, at most two seconds; without that variable, and for any
+  // other key, nothing happens.
   void SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
                     uint32_t extra_information) override;
   std::optional<String> CreateGuid() override;
