@@ -45,8 +45,8 @@ void SetStampsOfType(const Object& item, const String& item_type, const String& 
   }
 }
 
-// Opens Outlook, through the loopback address of this machine where that does not work directly.
-void OpenOutlook(ControlContext& context) {
+// Starts Outlook, through the loopback address of this machine where that does not work directly.
+void StartOutlook(ControlContext& context) {
   Object& application = context.state.outlook_application;
   const auto failed =
       IgnoreFailures([&] { application = context.platform.CreateObject(u"Outlook.Application"); });
@@ -124,7 +124,7 @@ bool SetItemAsKestrelon(ControlContext& context, String& ItemType, String& Store
   ObjectState& state = context.state;
   const bool done = Attempt(
       [&] {
-        OpenOutlook(context);
+        StartOutlook(context);
         state.mapi_namespace = state.outlook_application.CallChild(u"GetNamespace", u"MAPI");
         const Object item = state.mapi_namespace.CallChild(u"GetItemFromID", OutlookID, StoreID);
         SetStamp(item, u"Kestrelon", u"true");

@@ -34,10 +34,9 @@ bool HasTaskId(const Object& item) {
 
 void AppendUnsynced(ControlContext& context, const UnsyncedKind& kind, String& folder_id,
                     String& list) {
-  ObjectState& state = context.state;
-  state.mapi_namespace = state.outlook_application.CallChild(u"GetNamespace", u"MAPI");
-  state.current_folder = ChooseFolder(context, kind.default_folder, folder_id);
-  const auto walk = state.current_folder.GetChild(u"Items").Enumerate();
+  Object& folder = context.state.current_folder;
+  folder = ChooseFolder(context, kind.default_folder, folder_id);
+  const auto walk = folder.GetChild(u"Items").Enumerate();
   while (const std::optional<Value> element = walk->Next()) {
     const Object item = element->ToObject();
     if (item.Get(u"Class").ToLong() != kind.item_class || kind.is_synced(item)) continue;
@@ -49,14 +48,7 @@ void AppendUnsynced(ControlContext& context, const UnsyncedKind& kind, String& f
 // The pairs built so far when it fails, which a message box tells.
 Value ListUnsynced(ControlContext& context, const UnsyncedKind& kind, String& folder_id) {
   String list;
-  const bool is_open = Attempt(
-      [&] {
-        context.state.outlook_application = context.platform.CreateObject(u"Outlook.Application");
-      },
-      [&](const AutomationError&) {
-        ShowMessage(context, u"Outlook does not appear to be installed");
-      });
-  if (is_open) {
+  if (OpenOutlook(context)) {
     Attempt([&] { AppendUnsynced(context, kind, folder_id, list); },
             [&](const AutomationError&) {
               ShowMessage(context, u"An error occurred running " + String(kind.member),

@@ -69,7 +69,7 @@ TEST_F(UnsyncedItems, FailureIsToldAndTheListEndsThere) {
   Fill("GetDefaultFolder(13)", {Item("t1", 48, {}), Item("t2", 48, {})});
   desktop.Fail("t2.EntryID", AutomationError(5));
   EXPECT_EQ(GetUnsyncedTasks(context).ToText(), u"name t1#~t1#~");
-  desktop.Fail(kNamespace, AutomationError(429));
+  desktop.Fail(kNamespace + ".GetDefaultFolder(9)", AutomationError(429));
   EXPECT_EQ(GetUnsyncedAppts(context).ToText(), u"");
   desktop.Fail("create", AutomationError(70));
   String folder;
