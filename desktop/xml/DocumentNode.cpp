@@ -2,6 +2,7 @@
 
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
+#include "desktop/xml/NodeBuilding.h"
 #include "desktop/xml/NodeMarkup.h"
 #include "desktop/xml/XmlDocuments.h"
 
@@ -51,6 +52,9 @@ const MemberTable<DocumentNode>& DocumentNode::Members() {
           .Property(u"parseError", &DocumentNode::GetParseError)
           .Method(u"loadXML", &DocumentNode::LoadXml, {u"bstrXML"})
           .Method(u"load", &DocumentNode::Load, {u"xmlSource"})
+          .Method(u"createElement", &DocumentNode::CreateElement, {u"tagName"})
+          .Method(u"createAttribute", &DocumentNode::CreateAttribute, {u"name"})
+          .Method(u"createTextNode", &DocumentNode::CreateTextNode, {u"data"})
           .Method(u"save", &DocumentNode::Save, {u"destination"})
           .Method(u"setProperty", &DocumentNode::SetProperty, {u"name", u"value"});
   return table;
@@ -103,13 +107,31 @@ Value DocumentNode::SetProperty(const MethodArguments& arguments) {
   return {};
 }
 
+Value DocumentNode::CreateElement(const MethodArguments& arguments) {
+  return WrapNode(tree(), NewElement(*tree(), arguments.Require(0).ToText()));
+}
+
+Value DocumentNode::CreateAttribute(const MethodArguments& arguments) {
+  return WrapNode(tree(), NewAttribute(*tree(), arguments.Require(0).ToText()));
+}
+
+Value DocumentNode::CreateTextNode(const MethodArguments& arguments) {
+  return WrapNode(tree(), NewText(*tree(), arguments.Require(0)));
+}
+
 bool DocumentNode::Take(XmlParseResult result) {
-  XmlTreePointer loaded =
-      result.document ? std::make_shared<XmlTree>(result.document.release()) : EmptyTree();
-  loaded->selector().SetNamespaces(tree()->selector().namespaces());
-  Reset(std::move(loaded));
+  Replace(std::move(result.document));
   error_ = std::move(result.error);
   return error_.code == 0;
+}
+
+void DocumentNode::Replace(XmlDocumentPointer document) {
+  XmlTreePointer replacement =
+      document ? std::make_shared<XmlTree>(document.release()) : EmptyTree();
+  replacement->selector().SetNamespaces(tree()->selector().namespaces());
+  const xmlNodePtr top = replacement->node();
+  MoveTo(std::move(replacement), top);
+  error_ = {};
 }
 
 Object WrapNode(const XmlTreePointer& tree, xmlNodePtr node) {

@@ -13,6 +13,9 @@ class DocumentNode final : public ServerObject<DocumentNode, NodeMembers> {
 
   static const MemberTable<DocumentNode>& Members();
 
+  // Takes this content in the place of its own.
+  void Replace(XmlDocumentPointer document);
+
  private:
   Value GetAsync() { return async_; }
   void PutAsync(const Value& value) { async_ = value.ToBoolean(); }
@@ -22,6 +25,9 @@ class DocumentNode final : public ServerObject<DocumentNode, NodeMembers> {
   Value GetParseError();
   Value LoadXml(const MethodArguments& arguments);
   Value Load(const MethodArguments& arguments);
+  Value CreateElement(const MethodArguments& arguments);
+  Value CreateAttribute(const MethodArguments& arguments);
+  Value CreateTextNode(const MethodArguments& arguments);
   Value Save(const MethodArguments& arguments);
   Value SetProperty(const MethodArguments& arguments);
 

@@ -1,5 +1,6 @@
 #include "desktop/xml/NodeList.h"
 
+#include "desktop/xml/NodeBuilding.h"
 #include "desktop/xml/NodeMarkup.h"
 #include "desktop/xml/NodeMembers.h"
 
@@ -80,7 +81,8 @@ const MemberTable<AttributeMap>& AttributeMap::Members() {
           .Property(u"length", &AttributeMap::GetLength)
           .Method(u"item", &AttributeMap::Item, {u"index"})
           .Method(u"", &AttributeMap::Item, {u"index"})
-          .Method(u"getNamedItem", &AttributeMap::GetNamedItem, {u"name"});
+          .Method(u"getNamedItem", &AttributeMap::GetNamedItem, {u"name"})
+          .Method(u"setNamedItem", &AttributeMap::SetNamedItem, {u"newItem"});
   return table;
 }
 
@@ -109,6 +111,11 @@ Value AttributeMap::Item(const MethodArguments& arguments) {
 
 Value AttributeMap::GetNamedItem(const MethodArguments& arguments) {
   return WrapAttribute(tree_, FindAttribute(*element_, arguments.Require(0).ToText()));
+}
+
+Value AttributeMap::SetNamedItem(const MethodArguments& arguments) {
+  AppendAttributeNode(tree_, element_, NodeOf(arguments.Require(0)));
+  return arguments[0];
 }
 
 }  // namespace kestrelon::desktop

@@ -47,6 +47,7 @@ class AttributeMap final : public ServerObject<AttributeMap> {
   Value GetLength();
   Value Item(const MethodArguments& arguments);
   Value GetNamedItem(const MethodArguments& arguments);
+  Value SetNamedItem(const MethodArguments& arguments);
 
   XmlTreePointer tree_;
   xmlNodePtr element_;

@@ -2,11 +2,23 @@
 
 #include <algorithm>
 
+#include "desktop/xml/DocumentNode.h"
 #include "desktop/xml/LibxmlText.h"
+#include "desktop/xml/NodeBuilding.h"
 #include "desktop/xml/NodeList.h"
 #include "desktop/xml/NodeMarkup.h"
+#include "desktop/xml/Transformation.h"
 
 namespace kestrelon::desktop {
+
+NodeMembers& NodeOf(const Value& value) {
+  DispatchPointer pointer = value.ToObject().pointer();
+  while (pointer != nullptr && pointer->Wrapped() != nullptr) pointer = pointer->Wrapped();
+  // The caller's own reference keeps the node object.
+  const auto node = dynamic_cast<NodeMembers*>(pointer.get());
+  if (node == nullptr) throw AutomationError(kTypeMismatch);
+  return *node;
+}
 
 Value NodeMembers::GetNodeName() { return NodeName(*node_); }
 
@@ -22,7 +34,7 @@ Value NodeMembers::GetNodeValue() {
 void NodeMembers::PutNodeValue(const Value& value) {
   const std::string text = CheckedContent(value);
   if (node_->type == XML_ATTRIBUTE_NODE) {
-    xmlSetNsProp(node_->parent, node_->ns, node_->name, Chars(text));
+    SetAttributeValue(node_, text);
   } else if (IsCharacterData(*node_)) {
     xmlNodeSetContent(node_, Chars(text));
   } else {
@@ -36,7 +48,8 @@ void NodeMembers::PutText(const Value& value) {
   if (node_->type != XML_ELEMENT_NODE) return PutNodeValue(value);
   const std::string text = CheckedContent(value);
   while (node_->children != nullptr) tree_->Detach(node_->children);
-  if (!text.empty()) tree_->Append(node_, xmlNewDocText(tree_->document(), Chars(text)));
+  if (text.empty()) return;
+  tree_->Append(node_, tree_->Adopt(xmlNewDocText(tree_->document(), Chars(text))));
 }
 
 Value NodeMembers::GetXml() { return NodeMarkup(*node_); }
@@ -49,13 +62,11 @@ Value NodeMembers::GetAttributes() {
 Value NodeMembers::GetChildNodes() { return Object(NodeList::OfChildren(tree_, node_)); }
 
 Value NodeMembers::GetFirstChild() {
-  const auto& children = tree_->ChildrenOf(node_);
-  return WrapNode(tree_, children.empty() ? nullptr : children.front());
+  return WrapNode(tree_, node_->type == XML_ATTRIBUTE_NODE ? nullptr : node_->children);
 }
 
 Value NodeMembers::GetLastChild() {
-  const auto& children = tree_->ChildrenOf(node_);
-  return WrapNode(tree_, children.empty() ? nullptr : children.back());
+  return WrapNode(tree_, node_->type == XML_ATTRIBUTE_NODE ? nullptr : node_->last);
 }
 
 Value NodeMembers::GetNextSibling() {
@@ -72,7 +83,7 @@ Value NodeMembers::GetParentNode() {
 }
 
 Value NodeMembers::HasChildNodes(const MethodArguments&) {
-  return !tree_->ChildrenOf(node_).empty();
+  return node_->type != XML_ATTRIBUTE_NODE && node_->children != nullptr;
 }
 
 Value NodeMembers::SelectNodes(const MethodArguments& arguments) {
@@ -85,11 +96,29 @@ Value NodeMembers::SelectSingleNode(const MethodArguments& arguments) {
   return WrapNode(tree_, nodes.empty() ? nullptr : nodes.front());
 }
 
+Value NodeMembers::AppendChild(const MethodArguments& arguments) {
+  NodeMembers& child = NodeOf(arguments.Require(0));
+  AppendNode(tree_, node_, child);
+  return arguments[0];
+}
+
+Value NodeMembers::TransformNode(const MethodArguments& arguments) {
+  return Transform(node_, NodeOf(arguments.Require(0)).node_).ToText();
+}
+
+Value NodeMembers::TransformNodeToObject(const MethodArguments& arguments) {
+  const auto output = dynamic_cast<DocumentNode*>(&NodeOf(arguments.Require(1)));
+  if (output == nullptr) throw AutomationError(kTypeMismatch);
+  output->Replace(Transform(node_, NodeOf(arguments.Require(0)).node_).ToDocument());
+  return {};
+}
+
 const MemberTable<XmlNode>& XmlNode::Members() {
   static const MemberTable<XmlNode> table =
       AddTo(MemberTable<XmlNode>(u"IXMLDOMNode"))
           .Method(u"getAttribute", &XmlNode::GetAttribute, {u"name"})
-          .Method(u"setAttribute", &XmlNode::SetAttribute, {u"name", u"value"});
+          .Method(u"setAttribute", &XmlNode::SetAttribute, {u"name", u"value"})
+          .Method(u"setAttributeNode", &XmlNode::SetAttributeNode, {u"DOMAttribute"});
   return table;
 }
 
@@ -145,6 +174,11 @@ Value XmlNode::SetAttribute(const MethodArguments& arguments) {
   }
   xmlSetNsProp(node(), binding, Chars(qualified.substr(colon + 1)), Chars(value));
   return {};
+}
+
+Value XmlNode::SetAttributeNode(const MethodArguments& arguments) {
+  RequireElement();
+  return WrapNode(tree(), AppendAttributeNode(tree(), node(), NodeOf(arguments.Require(0))));
 }
 
 void XmlNode::RequireElement() const {

@@ -29,8 +29,12 @@ class NodeMembers : public DispatchObject {
         .Property(u"previousSibling", &Server::GetPreviousSibling)
         .Property(u"parentNode", &Server::GetParentNode)
         .Method(u"hasChildNodes", &Server::HasChildNodes)
+        .Method(u"appendChild", &Server::AppendChild, {u"newChild"})
         .Method(u"selectNodes", &Server::SelectNodes, {u"queryString"})
-        .Method(u"selectSingleNode", &Server::SelectSingleNode, {u"queryString"});
+        .Method(u"selectSingleNode", &Server::SelectSingleNode, {u"queryString"})
+        .Method(u"transformNode", &Server::TransformNode, {u"stylesheet"})
+        .Method(u"transformNodeToObject", &Server::TransformNodeToObject,
+                {u"stylesheet", u"outputObject"});
   }
 
   Value GetNodeName();
@@ -50,19 +54,25 @@ class NodeMembers : public DispatchObject {
   Value HasChildNodes(const MethodArguments& arguments);
   Value SelectNodes(const MethodArguments& arguments);
   Value SelectSingleNode(const MethodArguments& arguments);
+  Value AppendChild(const MethodArguments& arguments);
+  Value TransformNode(const MethodArguments& arguments);
+  Value TransformNodeToObject(const MethodArguments& arguments);
 
- protected:
   const XmlTreePointer& tree() const { return tree_; }
   xmlNodePtr node() const { return node_; }
-  void Reset(XmlTreePointer tree) {
+  // From now on the object of another node.
+  void MoveTo(XmlTreePointer tree, xmlNodePtr node) {
     tree_ = std::move(tree);
-    node_ = tree_->node();
+    node_ = node;
   }
 
  private:
   XmlTreePointer tree_;
   xmlNodePtr node_;
 };
+
+// The node that a caller hands over. Error 13 when it is none of this desktop's.
+NodeMembers& NodeOf(const Value& value);
 
 // A node of any type but a document. Members that only elements have are error 438 on the others.
 class XmlNode final : public ServerObject<XmlNode, NodeMembers> {
@@ -74,6 +84,7 @@ class XmlNode final : public ServerObject<XmlNode, NodeMembers> {
  private:
   Value GetAttribute(const MethodArguments& arguments);
   Value SetAttribute(const MethodArguments& arguments);
+  Value SetAttributeNode(const MethodArguments& arguments);
   void RequireElement() const;
 };
 

@@ -11,9 +11,6 @@ namespace {
 
 constexpr auto kUnspecifiedError = static_cast<int32_t>(0x80004005);
 
-struct FreeExpression {
-  void operator()(xmlXPathCompExprPtr expression) const { xmlXPathFreeCompExpr(expression); }
-};
 struct FreeResult {
   void operator()(xmlXPathObjectPtr result) const { xmlXPathFreeObject(result); }
 };
@@ -56,6 +53,7 @@ NamespaceBindings ParseNamespaceBindings(StringView text) {
 
 void XPathSelector::SetNamespaces(NamespaceBindings namespaces) {
   namespaces_ = std::move(namespaces);
+  compiled_.clear();
   context_.reset();
 }
 
@@ -65,10 +63,9 @@ std::vector<xmlNodePtr> XPathSelector::Select(xmlNodePtr start, StringView expre
   context.userData = &error;
   context.error = KeepFirstError;
   context.node = start;
-  const std::unique_ptr<xmlXPathCompExpr, FreeExpression> compiled(
-      xmlXPathCtxtCompile(&context, Chars(ToUtf8(expression))));
+  const xmlXPathCompExprPtr compiled = Compile(context, expression);
   std::unique_ptr<xmlXPathObject, FreeResult> result;
-  if (compiled) result.reset(xmlXPathCompiledEval(compiled.get(), &context));
+  if (compiled != nullptr) result.reset(xmlXPathCompiledEval(compiled, &context));
   if (!result) throw InvalidExpression(expression, error.empty() ? "it is no XPath" : error);
   if (result->type != XPATH_NODESET) {
     throw InvalidExpression(expression, "it gives a value, not nodes");
@@ -80,6 +77,17 @@ std::vector<xmlNodePtr> XPathSelector::Select(xmlNodePtr start, StringView expre
     if (set->nodeTab[i]->type != XML_NAMESPACE_DECL) nodes.push_back(set->nodeTab[i]);
   }
   return nodes;
+}
+
+xmlXPathCompExprPtr XPathSelector::Compile(xmlXPathContext& context, StringView text) {
+  constexpr size_t kMostKept = 16;
+  const String key(text);
+  const auto known = compiled_.find(key);
+  if (known != compiled_.end()) return known->second.get();
+  Expression expression(xmlXPathCtxtCompile(&context, Chars(ToUtf8(text))));
+  if (!expression) return nullptr;
+  if (compiled_.size() == kMostKept) compiled_.clear();
+  return compiled_.emplace(key, std::move(expression)).first->second.get();
 }
 
 xmlXPathContext& XPathSelector::Context() {

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -31,12 +32,19 @@ class XPathSelector {
  private:
   struct Free {
     void operator()(xmlXPathContextPtr context) const { xmlXPathFreeContext(context); }
+    void operator()(xmlXPathCompExprPtr expression) const { xmlXPathFreeCompExpr(expression); }
   };
+  using Expression = std::unique_ptr<xmlXPathCompExpr, Free>;
+
   xmlXPathContext& Context();
+  // nullptr when it is no XPath. Valid until the next call.
+  xmlXPathCompExprPtr Compile(xmlXPathContext& context, StringView text);
 
   xmlDocPtr document_;
   NamespaceBindings namespaces_;
   std::unique_ptr<xmlXPathContext, Free> context_;
+  // A walk asks the same few questions of every node.
+  std::unordered_map<String, Expression> compiled_;
 };
 
 }  // namespace kestrelon::desktop

@@ -23,8 +23,10 @@ struct FreeXmlDocument {
   void operator()(xmlDocPtr document) const { xmlFreeDoc(document); }
 };
 
+using XmlDocumentPointer = std::unique_ptr<xmlDoc, FreeXmlDocument>;
+
 struct XmlParseResult {
-  std::unique_ptr<xmlDoc, FreeXmlDocument> document;  // null after an error
+  XmlDocumentPointer document;  // null after an error
   XmlParseError error;
 };
 

@@ -1,11 +1,12 @@
 #include "desktop/xml/XmlTree.h"
 
+#include "automation/AutomationError.h"
+#include "desktop/xml/NodeMarkup.h"
+
 namespace kestrelon::desktop {
 
 XmlTree::~XmlTree() {
-  for (const xmlNodePtr node : detached_) {
-    if (node->parent == nullptr) xmlFreeNode(node);
-  }
+  for (const xmlNodePtr node : detached_) xmlFreeNode(node);
   xmlFreeDoc(document_);
 }
 
@@ -19,15 +20,38 @@ const std::vector<xmlNodePtr>& XmlTree::ChildrenOf(xmlNodePtr parent) {
   return entry->second;
 }
 
-void XmlTree::Detach(xmlNodePtr node) {
-  children_.clear();
-  xmlUnlinkNode(node);
-  detached_.push_back(node);
+xmlNodePtr XmlTree::Adopt(xmlNodePtr node) {
+  if (node == nullptr) throw AutomationError(kOutOfMemory);
+  detached_.insert(node);
+  return node;
 }
 
+void XmlTree::Detach(xmlNodePtr node) {
+  children_.erase(node->parent);
+  xmlUnlinkNode(node);
+  detached_.insert(node);
+}
+
+// Linked by hand: xmlAddChild would join a text to the text before it, and free the node that an
+// object still holds.
 void XmlTree::Append(xmlNodePtr parent, xmlNodePtr child) {
-  children_.clear();
-  xmlAddChild(parent, child);
+  detached_.erase(child);
+  child->parent = parent;
+  child->prev = parent->last;
+  child->next = nullptr;
+  (parent->last == nullptr ? parent->children : parent->last->next) = child;
+  parent->last = child;
+  const auto indexed = children_.find(parent);
+  if (indexed != children_.end()) indexed->second.push_back(child);
+}
+
+xmlNodePtr XmlTree::AppendAttribute(xmlNodePtr element, xmlNodePtr attribute) {
+  const auto replaced = reinterpret_cast<xmlNodePtr>(
+      const_cast<xmlAttr*>(FindAttribute(*element, NodeName(*attribute))));
+  if (replaced != nullptr) Detach(replaced);
+  detached_.erase(attribute);
+  xmlAddChild(element, attribute);
+  return replaced;
 }
 
 }  // namespace kestrelon::desktop

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "automation/Text.h"
@@ -28,16 +29,22 @@ class XmlTree {
   // sibling does, whichever list object it goes through. Attributes show none. Valid until the next
   // change of the structure.
   const std::vector<xmlNodePtr>& ChildrenOf(xmlNodePtr parent);
+  // Takes over a new node of this document that stands nowhere yet; error 7 for nullptr.
+  xmlNodePtr Adopt(xmlNodePtr node);
   // Takes a node out of the document; it lives on for the objects that still hold it.
   void Detach(xmlNodePtr node);
+  // Puts a node that stands nowhere behind the last child of `parent`.
   void Append(xmlNodePtr parent, xmlNodePtr child);
+  // Gives an attribute that stands nowhere to `element`; returns the one of that name that it
+  // replaces, or nullptr.
+  xmlNodePtr AppendAttribute(xmlNodePtr element, xmlNodePtr attribute);
 
   XPathSelector& selector() { return selector_; }
 
  private:
   xmlDocPtr document_;
   std::unordered_map<const xmlNode*, std::vector<xmlNodePtr>> children_;
-  std::vector<xmlNodePtr> detached_;
+  std::unordered_set<xmlNodePtr> detached_;  // without a parent; freed with the tree
   XPathSelector selector_{document_};
 };
 
