@@ -1,0 +1,227 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "Control/LocaleAndEnvironment.h"
+#include "desktop/storage/AtomicFile.h"
+#include "desktop/storage/Paths.h"
+#include "outlook/FolderLists.h"
+#include "platform/ForwardingPlatform.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "tests/support/ScriptedDesktop.h"
+
+namespace kestrelon {
+namespace {
+
+using testing::ScriptedDesktop;
+using testing::ShownMessage;
+using Messages = std::vector<ShownMessage>;
+
+const std::string kNamespace = "Outlook.Application.GetNamespace(\"MAPI\")";
+const std::string kContacts = kNamespace + ".GetDefaultFolder(10)";
+const std::string kTasks = kNamespace + ".GetDefaultFolder(13)";
+
+bool NothingHeld(const ObjectState& state) {
+  return state.outlook_application.IsNothing() && state.mapi_namespace.IsNothing() &&
+         state.current_folder.IsNothing();
+}
+
+struct Subfolder {
+  const char16_t* name;
+  int32_t item_type;
+  int32_t items;
+};
+
+class SubfolderLists : public ::testing::Test {
+ protected:
+  void Fill(const std::string& folder, const std::vector<Subfolder>& subfolders) {
+    const std::string folders = folder + ".Folders";
+    desktop.Answer(folders + ".count", {static_cast<int32_t>(subfolders.size())});
+    for (size_t i = 0; i < subfolders.size(); ++i) {
+      const std::string subfolder = folders + ".item(" + std::to_string(i + 1) + ")";
+      desktop.Answer(subfolder + ".DefaultItemType", {subfolders[i].item_type});
+      desktop.Answer(subfolder + ".Items.count", {subfolders[i].items});
+      desktop.Answer(subfolder + ".Name", {Value(subfolders[i].name)});
+      desktop.Answer(subfolder + ".EntryID", {Value(FromUtf8("E" + std::to_string(i + 1)))});
+    }
+  }
+
+  ScriptedDesktop desktop;
+  ControlContext context{desktop};
+};
+
+TEST_F(SubfolderLists, NameTheFoldersOfTheirKind) {
+  const std::vector<Subfolder> mixed = {
+      {u"Clients", 2, 5}, {u"Old tasks", 3, 1}, {u"Empty", 2, 0}, {u"Mails", 0, 2}};
+  const struct {
+    std::vector<Subfolder> subfolders;
+    const char16_t* import;
+    const char16_t* contacts;
+    const char16_t* tasks;
+  } cases[] = {
+      {{}, u"", u"Contacts#~", u"Tasks#~"},
+      {{{u"Mails", 0, 1}}, u"import", u"Contacts#~", u"Tasks#~"},
+      {{{u"Empty", 2, 0}}, u"import", u"Contacts#~", u"Tasks#~"},
+      {mixed, u"", u"Contacts#~#~Clients#~E1#~Empty#~E3#", u"Tasks#~#~Old tasks#~E2#"},
+      {mixed, u"Import", u"Contacts#~#~Clients#~E1#~Empty#~E3#", u"Tasks#~#~Old tasks#~E2#"},
+      {mixed, u"import", u"Contacts#~#~Clients#~E1#", u"Tasks#~#~Old tasks#~E2#"},
+  };
+  for (const auto& example : cases) {
+    Fill(kContacts, example.subfolders);
+    Fill(kTasks, example.subfolders);
+    String import = example.import;
+    EXPECT_EQ(GetContactFolderList(context, import), example.contacts);
+    EXPECT_EQ(GetTaskFolderList(context), example.tasks);
+    EXPECT_TRUE(NothingHeld(context.state));
+  }
+}
+
+TEST_F(SubfolderLists, AFailureLeavesThePairsThatWereRead) {
+  Fill(kContacts, {{u"Clients", 2, 5}, {u"Suppliers", 2, 5}});
+  const struct {
+    std::string call;
+    const char16_t* message;
+    const char16_t* list;
+  } cases[] = {
+      {"create Outlook", u"Outlook does not appear to be installed", u""},
+      {kNamespace, u"Outlook does not appear to be installed", u""},
+      {kContacts, u"Could not find 'Contacts' folder.", u""},
+      {kContacts + ".Folders.item(2).EntryID", u"Could not find 'Contacts' folder.",
+       u"Clients#~E1#~"},
+  };
+  for (const auto& example : cases) {
+    desktop.StopFailing();
+    desktop.messages.clear();
+    desktop.Fail(example.call, AutomationError(5));
+    String import;
+    EXPECT_EQ(GetContactFolderList(context, import), example.list) << example.call;
+    EXPECT_EQ(desktop.messages, (Messages{{example.message, 0, std::nullopt}})) << example.call;
+    EXPECT_TRUE(NothingHeld(context.state));
+  }
+  desktop.Fail(kTasks, AutomationError(5));
+  desktop.messages.clear();
+  EXPECT_EQ(GetTaskFolderList(context), u"");
+  EXPECT_EQ(desktop.messages, (Messages{{u"Could not find 'Tasks' folder.", 0, std::nullopt}}));
+}
+
+// A scripted Outlook on a real desktop, where the list is sorted.
+class OutlookOnLinux final : public ForwardingPlatform {
+ public:
+  OutlookOnLinux(Platform& platform, ScriptedDesktop& desktop)
+      : ForwardingPlatform(platform), desktop_(desktop) {}
+  Object CreateObject(StringView prog_id, StringView server) override {
+    if (prog_id == u"Outlook.Application") return desktop_.CreateObject(prog_id, server);
+    return ForwardingPlatform::CreateObject(prog_id, server);
+  }
+
+ private:
+  ScriptedDesktop& desktop_;
+};
+
+class ItemLists : public ::testing::Test {
+ protected:
+  void SetUp() override { setenv("LC_ALL", "C.UTF-8", 1); }
+  void TearDown() override { unsetenv("LC_ALL"); }
+
+  // An item of the folder to be filled; the entry id is the object's name.
+  void Add(int32_t item_class, const char16_t* name, const char16_t* last_name = u"x") {
+    const std::string item = "I" + std::to_string(items.size() + 1);
+    items.push_back(desktop.NamedObject(item));
+    desktop.Answer(item + ".Class", {item_class});
+    desktop.Answer(item + ".EntryID", {Value(FromUtf8(item))});
+    desktop.Answer(item + ".LastName", {Value(last_name)});
+    desktop.Answer(item + ".FullName", {Value(name)});
+    desktop.Answer(item + ".Subject", {Value(name)});
+  }
+  void FillFolder(const std::string& folder) {
+    desktop.Answer(folder + ".Items.Each", {Value(items)});
+  }
+  String ListContacts() {
+    FillFolder(kContacts);
+    String folder;
+    return GetFolderContactItems(context, folder);
+  }
+
+  ScriptedDesktop desktop;
+  Value::Array items;
+  Messages messages;
+  LinuxPlatform linux_platform{
+      [this](const String& text, int32_t flags, const std::optional<String>& title) {
+        messages.push_back({text, flags, title});
+        return 1;
+      }};
+  OutlookOnLinux platform{linux_platform, desktop};
+  ControlContext context{platform};
+};
+
+TEST_F(ItemLists, ContactsComeInTextOrder) {
+  for (const auto* name : {u"Smith", u"adams", u"Brown", u"Adams", u"\u00D6zil & <Co>", u"Pol",
+                           u"Smith", u"\u00E4rger", u"\U0001F600"}) {
+    Add(40, name);
+  }
+  Add(69, u"All staff");
+  desktop.Fail("I10.LastName", AutomationError(kMemberNotFound));
+  Add(40, u"Nobody", u"");
+  EXPECT_EQ(ListContacts(),
+            u"\U0001F600#~I9#~adams#~I2#~Adams#~I4#~\u00E4rger#~I8#~Brown#~I3#~"
+            u"\u00D6zil & <Co>#~I5#~Pol#~I6#~Smith#~I1#~Smith#~I7#~");
+  EXPECT_TRUE(messages.empty());
+  EXPECT_TRUE(NothingHeld(context.state));
+
+  setenv("LC_ALL", "sv_SE.UTF-8", 1);
+  EXPECT_TRUE(ListContacts().ends_with(u"Smith#~I7#~\u00E4rger#~I8#~\u00D6zil & <Co>#~I5#~"));
+}
+
+TEST_F(ItemLists, TheStylesheetStaysBehind) {
+  Add(40, u"Smith");
+  EXPECT_EQ(ListContacts(), u"Smith#~I1#~");
+  const auto path = desktop::PathFromText(GetTheTempPath(context) + u"Kestrelon.xsl");
+  EXPECT_EQ(desktop::ReadWholeFile(path),
+            "<xsl:stylesheet xmlns:xsl=\"http://www.w3.org/1999/XSL/Transform\" version=\"1.0\">"
+            "<xsl:template match=\"SORTROOT\"><xsl:copy><xsl:apply-templates>"
+            "<xsl:sort select=\"Param1\"/></xsl:apply-templates></xsl:copy></xsl:template>"
+            "<xsl:template match=\"*\"><xsl:copy><xsl:apply-templates/></xsl:copy></xsl:template>"
+            "</xsl:stylesheet>\r\n\r\n");
+}
+
+TEST_F(ItemLists, TasksComeInTheOrderOfTheFolderChosen) {
+  Add(48, u"Write");
+  Add(48, u"");
+  Add(40, u"Ann");
+  Add(48, u"Call");
+  FillFolder(kTasks);
+  FillFolder(kNamespace + ".GetFolderFromID(\"AB1\")");
+  String folder;
+  EXPECT_EQ(GetFolderTaskItems(context, folder), u"Write#~I1#~Call#~I4#~");
+  desktop.log.clear();
+  folder = u"#AB#1#";
+  EXPECT_EQ(GetFolderTaskItems(context, folder), u"Write#~I1#~Call#~I4#~");
+  EXPECT_EQ(folder, u"AB1");
+  EXPECT_EQ(std::vector<std::string>(desktop.log.begin(), desktop.log.begin() + 4),
+            (std::vector<std::string>{"create Outlook.Application", kNamespace, kTasks,
+                                      kNamespace + ".GetFolderFromID(\"AB1\")"}));
+}
+
+TEST_F(ItemLists, FailuresAreTold) {
+  const ShownMessage contacts_failed{u"An error occurred running GetFolderContactItems", 64,
+                                     std::nullopt};
+  EXPECT_EQ(ListContacts(), u"") << "an empty folder cannot be sorted";
+  Add(40, u"Nobody", u"");
+  EXPECT_EQ(ListContacts(), u"");
+  Add(40, u"a\x01z");
+  EXPECT_EQ(ListContacts(), u"") << "a name that no document can hold";
+  EXPECT_EQ(messages, (Messages{contacts_failed, contacts_failed, contacts_failed}));
+  messages.clear();
+  Add(48, u"Call");
+  Add(48, u"Write");
+  FillFolder(kTasks);
+  desktop.Fail("I4.EntryID", AutomationError(5));
+  String folder;
+  EXPECT_EQ(GetFolderTaskItems(context, folder), u"Call#~I3#~");
+  EXPECT_EQ(messages,
+            (Messages{{u"An error occurred running GetFolderTaskItems", 64, std::nullopt}}));
+  EXPECT_TRUE(NothingHeld(context.state));
+}
+
+}  // namespace
+}  // namespace kestrelon
