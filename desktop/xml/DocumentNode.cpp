@@ -12,6 +12,7 @@ namespace {
 XmlTreePointer EmptyTree() {
   const xmlDocPtr document = xmlNewDoc(nullptr);
   if (document == nullptr) throw AutomationError(kOutOfMemory);
+  MarkAsText(document);
   return std::make_shared<XmlTree>(document);
 }
 

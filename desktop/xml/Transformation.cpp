@@ -22,11 +22,17 @@ struct FreeContext {
   void operator()(xsltTransformContextPtr context) const { xsltFreeTransformContext(context); }
 };
 
-// What libxslt says, as one line.
+// What libxslt, and libxml2 beneath it, say meanwhile; as one line.
 class ErrorText {
  public:
-  ErrorText() { xsltSetGenericErrorFunc(this, Add); }
-  ~ErrorText() { xsltSetGenericErrorFunc(nullptr, nullptr); }
+  ErrorText() {
+    xsltSetGenericErrorFunc(this, Add);
+    xmlSetGenericErrorFunc(this, Add);
+  }
+  ~ErrorText() {
+    xsltSetGenericErrorFunc(nullptr, nullptr);
+    xmlSetGenericErrorFunc(xml_context_, xml_function_);
+  }
   ErrorText(const ErrorText&) = delete;
   ErrorText& operator=(const ErrorText&) = delete;
 
@@ -49,6 +55,8 @@ class ErrorText {
   }
 
  private:
+  void* xml_context_ = xmlGenericErrorContext;
+  xmlGenericErrorFunc xml_function_ = xmlGenericError;
   std::string text_;
 };
 
@@ -101,6 +109,7 @@ XmlDocumentPointer TransformationResult::ToDocument() && {
                           u"exactly one top element");
   }
   document_->type = XML_DOCUMENT_NODE;  // it may have been made for HTML
+  MarkAsText(document_.get());
   return std::move(document_);
 }
 

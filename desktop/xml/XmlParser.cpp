@@ -54,7 +54,12 @@ xmlNodePtr NextInDocument(xmlNodePtr node, bool skip_children) {
 }
 
 bool PreservesWhiteSpace(xmlNodePtr element) {
-  // Only an xml:space attribute asks for it; most documents have none, and then this is cheap.
+  // xsl:text is there for its white space.
+  if (element->ns != nullptr && View(element->name) == "text" &&
+      View(element->ns->href) == "http://www.w3.org/1999/XSL/Transform") {
+    return true;
+  }
+  // Otherwise an xml:space attribute asks for it; most documents have none, and then this is cheap.
   for (const xmlAttr* attribute = element->properties; attribute; attribute = attribute->next) {
     if (attribute->ns != nullptr && View(attribute->name) == "space" &&
         View(attribute->ns->prefix) == "xml" && attribute->children != nullptr) {
@@ -136,6 +141,11 @@ XmlParseResult Parse(std::string_view bytes, const char* encoding, int encoding_
 }
 
 }  // namespace
+
+void MarkAsText(xmlDocPtr document) {
+  xmlFree(const_cast<xmlChar*>(document->encoding));
+  document->encoding = xmlStrdup(reinterpret_cast<const xmlChar*>("UTF-8"));
+}
 
 XmlParseResult ParseXmlBytes(std::string_view bytes, XmlParseOptions options) {
   return Parse(bytes, nullptr, 0, options);

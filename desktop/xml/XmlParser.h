@@ -34,6 +34,9 @@ struct XmlParseOptions {
   bool preserve_white_space = false;
 };
 
+// Says that the document needs no character references in its markup.
+void MarkAsText(xmlDocPtr document);
+
 // Bytes in their declared encoding.
 XmlParseResult ParseXmlBytes(std::string_view bytes, XmlParseOptions options);
 // Text; an encoding that it declares means nothing.
