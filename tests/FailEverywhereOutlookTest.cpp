@@ -85,6 +85,41 @@ auto FillFolder(int32_t folder, int32_t item_class) {
 
 const std::vector<Value> kReply = {u"to", u"from", u"sent", u"to", u"subject", u"<html>"};
 
+const std::string kMapi = "Outlook.Application.GetNamespace(\"MAPI\")";
+
+// A folder with one subfolder and one item, which answer "x" to everything but their kind.
+auto FillForLists(int32_t folder_number, int32_t item_type, int32_t item_class) {
+  return [=](ScriptedDesktop& desktop, ObjectState&) {
+    const std::string folder = kMapi + ".GetDefaultFolder(" + std::to_string(folder_number) + ")";
+    const std::string subfolder = folder + ".Folders.item(1)";
+    desktop.Answer(folder + ".EntryID", {Value(u"x")});
+    desktop.Answer(folder + ".Folders.count", {1});
+    desktop.Answer(subfolder + ".DefaultItemType", {item_type});
+    desktop.Answer(subfolder + ".Items.count", {1});
+    desktop.Answer(folder + ".Items.Each", {Value(Value::Array{desktop.NamedObject("Row")})});
+    desktop.Answer("Row.Class", {item_class});
+    for (const char* property : {"DueDate", "StartDate", "DateCompleted"}) {
+      desktop.Answer("Row." + std::string(property), {MakeDate({2026, 3, 9})});
+    }
+    for (const char* property : {"complete", "TeamTask"}) {
+      desktop.Answer("Row." + std::string(property), {true});
+    }
+    for (const char* property : {"Name", "EntryID"}) {
+      desktop.Answer(subfolder + "." + property, {Value(u"x")});
+    }
+    for (const char* property : {"EntryID", "LastName", "FullName", "Subject"}) {
+      desktop.Answer("Row." + std::string(property), {Value(u"x")});
+    }
+    const std::string rows = "Msxml2.DOMDocument.selectNodes(\"SORTROOT/SORTITEM\")";
+    desktop.Answer(rows + ".length", {1});
+    desktop.Answer(rows + ".Each", {Value(Value::Array{desktop.NamedObject("Sorted")})});
+    for (const char* column : {"Param1", "Param2"}) {
+      desktop.Answer("Sorted.selectSingleNode(\"" + std::string(column) + "\").text",
+                     {Value(u"x")});
+    }
+  };
+}
+
 std::vector<OutlookCase> AllCases() {
   using enum References;
   return {
@@ -176,6 +211,32 @@ std::vector<OutlookCase> AllCases() {
       {u"GetUnsyncedAppts", {}, u"x#~x#~", {u""}, 1, kReleased, FillFolder(9, 26)},
       {u"GetUnsyncedTasks", {}, u"x#~x#~", {u""}, 1, kReleased, FillFolder(13, 48)},
       {u"GetUnsyncedContacts", {u""}, u"x#~x#~", {u""}, 1, kReleased, FillFolder(10, 40)},
+      // Lists of folders and items, and one item as a record.
+      {u"GetContactFolderList",
+       {u"import"},
+       u"Contacts#~#~x#~x#",
+       {u""},
+       1,
+       kReleased,
+       FillForLists(10, 2, 40)},
+      {u"GetTaskFolderList", {}, u"Tasks#~#~x#~x#", {u""}, 1, kReleased, FillForLists(13, 3, 48)},
+      {u"GetFolderContactItems", {u""}, u"x#~x#~", {u""}, 1, kReleased, FillForLists(10, 2, 40)},
+      {u"GetFolderTaskItems", {u""}, u"x#~x#~", {u""}, 1, kReleased, FillForLists(13, 3, 48)},
+      {u"ImportContact",
+       {u"", u"x"},
+       u"#~#~x#~#~#~#~#~#~#~#~#~#~#~#~#~#~#~#~#~#~#~#~#~",
+       {u"", u"#~…"},
+       1,
+       kReleased,
+       FillForLists(10, 2, 40)},
+      {u"ImportTask",
+       {u"", u"x"},
+       u"#~#~1#~2026-03-09 00:00:00.000#~2026-03-09 00:00:00.000#~#~#~#~"
+       u"2026-03-09 00:00:00.000#~#~x#~1#~x#~x",
+       {u"", u"#~…"},
+       1,
+       kReleased,
+       FillForLists(13, 3, 48)},
   };
 }
 
