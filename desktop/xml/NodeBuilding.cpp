@@ -21,21 +21,15 @@ std::string CheckedName(const String& name) {
   return utf8;
 }
 
-// An attribute that became a namespace declaration, kept for the objects that hold it.
-xmlNsPtr& DeclarationOf(xmlNodePtr attribute) {
-  return reinterpret_cast<xmlNsPtr&>(attribute->_private);
+// What an attribute declares that became a namespace declaration and stays for the objects that
+// hold it; else nullptr.
+xmlNsPtr DeclarationOf(const xmlNode& attribute) {
+  return static_cast<xmlNsPtr>(attribute._private);
 }
 
 bool IsDeclaration(const xmlNode& attribute) {
   const std::string_view name = View(attribute.name);
   return name == "xmlns" || name.starts_with("xmlns:");
-}
-
-// The node after `node` inside `top`, in document order.
-xmlNodePtr NextInside(xmlNodePtr top, xmlNodePtr node) {
-  if (node->type == XML_ELEMENT_NODE && node->children != nullptr) return node->children;
-  while (node != top && node->next == nullptr) node = node->parent;
-  return node == top ? nullptr : node->next;
 }
 
 // Finds the namespace of a name that has none yet, as seen from `element`.
@@ -76,7 +70,7 @@ void Declare(xmlNodePtr element, xmlNodePtr attribute) {
   const xmlNsPtr declaration =
       xmlNewNs(element, Chars(uri), prefix.empty() ? nullptr : Chars(prefix));
   if (declaration == nullptr) throw CannotBeChild(*attribute, *element);
-  DeclarationOf(attribute) = declaration;
+  attribute->_private = declaration;
   BindNamesInside(element);
 }
 
@@ -164,7 +158,7 @@ void SetAttributeValue(xmlNodePtr attribute, const std::string& value) {
     text->parent = attribute;
     attribute->children = attribute->last = text;
   }
-  if (const xmlNsPtr declaration = DeclarationOf(attribute)) {
+  if (const xmlNsPtr declaration = DeclarationOf(*attribute)) {
     xmlFree(const_cast<xmlChar*>(declaration->href));
     declaration->href = xmlStrdup(Chars(value));
   }

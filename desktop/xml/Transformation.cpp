@@ -124,7 +124,7 @@ String TransformationResult::ToText() && {
   }
   const LibxmlString owned(bytes);
   String text(static_cast<size_t>(size) / sizeof(char16_t), u'\0');
-  std::memcpy(text.data(), bytes, text.size() * sizeof(char16_t));
+  if (bytes != nullptr) std::memcpy(text.data(), bytes, text.size() * sizeof(char16_t));
   if (text.starts_with(u'\xFEFF')) text.erase(0, 1);
   return text;
 }

@@ -5,6 +5,9 @@
 // instructions are child nodes, the XML declaration is the processing instruction "xml". A DOCTYPE
 // is refused, and with it every entity but the predefined ones; nothing is fetched. Elements nest
 // at most 256 deep, one text is at most 10 MB long. Node objects keep their document alive.
+//
+// Stylesheets are XSLT 1.0 and reach nothing but their source; text sorts in the order of the
+// user's language.
 #pragma once
 
 #include <string_view>

@@ -5,6 +5,12 @@
 
 namespace kestrelon::desktop {
 
+xmlNodePtr NextInside(xmlNodePtr top, xmlNodePtr node) {
+  if (node->type == XML_ELEMENT_NODE && node->children != nullptr) return node->children;
+  while (node != top && node->next == nullptr) node = node->parent;
+  return node == top ? nullptr : node->next;
+}
+
 XmlTree::~XmlTree() {
   for (const xmlNodePtr node : detached_) xmlFreeNode(node);
   xmlFreeDoc(document_);
@@ -30,6 +36,10 @@ void XmlTree::Detach(xmlNodePtr node) {
   children_.erase(node->parent);
   xmlUnlinkNode(node);
   detached_.insert(node);
+  // A transformation numbers the elements in document order; the numbers end with the place.
+  for (xmlNodePtr inside = node; inside != nullptr; inside = NextInside(node, inside)) {
+    if (inside->type == XML_ELEMENT_NODE) inside->content = nullptr;
+  }
 }
 
 // Linked by hand: xmlAddChild would join a text to the text before it, and free the node that an

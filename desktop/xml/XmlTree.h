@@ -14,6 +14,9 @@
 
 namespace kestrelon::desktop {
 
+// The node after `node` among `top` and all inside it, in document order; nullptr at the end.
+xmlNodePtr NextInside(xmlNodePtr top, xmlNodePtr node);
+
 class XmlTree {
  public:
   // Takes ownership of `document`.

@@ -100,6 +100,11 @@ TEST(Transformation, WritesDocumentsAndText) {
                 .ToText(),
             u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n"
             u"<r a=\"\u00A3\"><b/> t<b>1</b></r>\n");
+  EXPECT_EQ(source
+                .Call(u"transformNode", Sheet(u"<xsl:output method='text'/>"
+                                              u"<xsl:template match='/'/>"))
+                .ToText(),
+            u"");
   const Object inner = source.CallChild(u"selectSingleNode", u"r/b[2]");
   EXPECT_EQ(TransformToObject(inner, Sheet(u"<xsl:strip-space elements='*'/>" + identity))
                 .Get(u"xml")
@@ -107,6 +112,21 @@ TEST(Transformation, WritesDocumentsAndText) {
             u"<b>1</b>\r\n");
   EXPECT_EQ(source.Get(u"xml").ToText(),
             u"<?xml version=\"1.0\"?>\r\n<r a=\"\u00A3\"><b/> t<b>1</b></r>\r\n");
+}
+
+TEST(Transformation, LeavesItsSourceToBeChanged) {
+  const Object source = Load(u"<r><a/><b/><c/><d/></r>");
+  const Object sheet = Sheet(
+      u"<xsl:template match='/'><o><xsl:value-of select='count(//a/preceding::*)'/></o>"
+      u"</xsl:template>");
+  EXPECT_EQ(TransformToObject(source, sheet).Get(u"text").ToText(), u"0");
+  const Object root = source.GetChild(u"documentElement");
+  root.Call(u"appendChild", root.GetChild(u"firstChild"));
+  String names;
+  const auto walk = source.CallChild(u"selectNodes", u"(//a|//b)|(//c|//d)").Enumerate();
+  while (const auto node = walk->Next()) names += node->ToObject().Get(u"nodeName").ToText();
+  EXPECT_EQ(names, u"bcda");
+  EXPECT_EQ(TransformToObject(source, sheet).Get(u"text").ToText(), u"3");
 }
 
 TEST(Transformation, ReachesNothingButItsSource) {
