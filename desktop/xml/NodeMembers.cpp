@@ -92,7 +92,7 @@ Value NodeMembers::SelectNodes(const MethodArguments& arguments) {
 }
 
 Value NodeMembers::SelectSingleNode(const MethodArguments& arguments) {
-  const auto nodes = tree_->selector().Select(node_, arguments.Require(0).ToText());
+  const auto nodes = tree_->selector().Select(node_, arguments.Require(0).ToText(), 1);
   return WrapNode(tree_, nodes.empty() ? nullptr : nodes.front());
 }
 

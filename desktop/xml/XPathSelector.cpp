@@ -4,6 +4,7 @@
 
 #include "automation/AutomationError.h"
 #include "desktop/xml/LibxmlText.h"
+#include "desktop/xml/PlainPath.h"
 #include "desktop/xml/XmlParser.h"
 
 namespace kestrelon::desktop {
@@ -11,6 +12,9 @@ namespace {
 
 constexpr auto kUnspecifiedError = static_cast<int32_t>(0x80004005);
 
+struct FreeExpression {
+  void operator()(xmlXPathCompExprPtr expression) const { xmlXPathFreeCompExpr(expression); }
+};
 struct FreeResult {
   void operator()(xmlXPathObjectPtr result) const { xmlXPathFreeObject(result); }
 };
@@ -53,19 +57,27 @@ NamespaceBindings ParseNamespaceBindings(StringView text) {
 
 void XPathSelector::SetNamespaces(NamespaceBindings namespaces) {
   namespaces_ = std::move(namespaces);
-  compiled_.clear();
   context_.reset();
 }
 
-std::vector<xmlNodePtr> XPathSelector::Select(xmlNodePtr start, StringView expression) {
+std::vector<xmlNodePtr> XPathSelector::Select(xmlNodePtr start, StringView expression,
+                                              size_t limit) {
+  const std::string text = ToUtf8(expression);
+  if (const auto path = PlainPath::Parse(text)) return path->Select(document_, start, limit);
+  return Evaluate(start, expression, text);
+}
+
+std::vector<xmlNodePtr> XPathSelector::Evaluate(xmlNodePtr start, StringView expression,
+                                                const std::string& text) {
   xmlXPathContext& context = Context();
   std::string error;
   context.userData = &error;
   context.error = KeepFirstError;
   context.node = start;
-  const xmlXPathCompExprPtr compiled = Compile(context, expression);
+  const std::unique_ptr<xmlXPathCompExpr, FreeExpression> compiled(
+      xmlXPathCtxtCompile(&context, Chars(text)));
   std::unique_ptr<xmlXPathObject, FreeResult> result;
-  if (compiled != nullptr) result.reset(xmlXPathCompiledEval(compiled, &context));
+  if (compiled) result.reset(xmlXPathCompiledEval(compiled.get(), &context));
   if (!result) throw InvalidExpression(expression, error.empty() ? "it is no XPath" : error);
   if (result->type != XPATH_NODESET) {
     throw InvalidExpression(expression, "it gives a value, not nodes");
@@ -77,17 +89,6 @@ std::vector<xmlNodePtr> XPathSelector::Select(xmlNodePtr start, StringView expre
     if (set->nodeTab[i]->type != XML_NAMESPACE_DECL) nodes.push_back(set->nodeTab[i]);
   }
   return nodes;
-}
-
-xmlXPathCompExprPtr XPathSelector::Compile(xmlXPathContext& context, StringView text) {
-  constexpr size_t kMostKept = 16;
-  const String key(text);
-  const auto known = compiled_.find(key);
-  if (known != compiled_.end()) return known->second.get();
-  Expression expression(xmlXPathCtxtCompile(&context, Chars(ToUtf8(text))));
-  if (!expression) return nullptr;
-  if (compiled_.size() == kMostKept) compiled_.clear();
-  return compiled_.emplace(key, std::move(expression)).first->second.get();
 }
 
 xmlXPathContext& XPathSelector::Context() {

@@ -3,9 +3,9 @@
 
 #include <libxml/xpath.h>
 
+#include <limits>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -25,26 +25,24 @@ class XPathSelector {
 
   const NamespaceBindings& namespaces() const { return namespaces_; }
   void SetNamespaces(NamespaceBindings namespaces);
-  // The nodes that `expression`, read from `start`, selects, in document order. Error 0x80004005
-  // with the reason when the expression is no XPath or selects no nodes but a value.
-  std::vector<xmlNodePtr> Select(xmlNodePtr start, StringView expression);
+  // The nodes that `expression`, read from `start`, selects, in document order. `limit` is
+  // how many of the first the caller needs; it may get more. Error 0x80004005 with the reason when
+  // the expression is no XPath or selects no nodes but a value.
+  std::vector<xmlNodePtr> Select(xmlNodePtr start, StringView expression,
+                                 size_t limit = std::numeric_limits<size_t>::max());
 
  private:
   struct Free {
     void operator()(xmlXPathContextPtr context) const { xmlXPathFreeContext(context); }
-    void operator()(xmlXPathCompExprPtr expression) const { xmlXPathFreeCompExpr(expression); }
   };
-  using Expression = std::unique_ptr<xmlXPathCompExpr, Free>;
-
   xmlXPathContext& Context();
-  // nullptr when it is no XPath. Valid until the next call.
-  xmlXPathCompExprPtr Compile(xmlXPathContext& context, StringView text);
+  // `text` is the expression in UTF-8.
+  std::vector<xmlNodePtr> Evaluate(xmlNodePtr start, StringView expression,
+                                   const std::string& text);
 
   xmlDocPtr document_;
   NamespaceBindings namespaces_;
   std::unique_ptr<xmlXPathContext, Free> context_;
-  // A walk asks the same few questions of every node.
-  std::unordered_map<String, Expression> compiled_;
 };
 
 }  // namespace kestrelon::desktop
