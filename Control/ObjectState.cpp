@@ -1,5 +1,7 @@
 #include "Control/ObjectState.h"
 
+#include <functional>
+
 namespace kestrelon {
 
 void TagTable::Reset(size_t upper_bound) {
@@ -18,6 +20,14 @@ void TagTable::GrowTo(size_t upper_bound) {
 int32_t TagTable::UpperBound() const {
   if (Tags.empty()) throw AutomationError(kSubscriptOutOfRange);
   return static_cast<int32_t>(Tags.size()) - 1;
+}
+
+size_t ContactMatchIndex::Hash::operator()(const NameAndEmail& key) const {
+  size_t hash = 0;
+  for (const String* text : {&key.first_name, &key.last_name, &key.email}) {
+    hash = hash * 31 + std::hash<String>()(*text);
+  }
+  return hash;
 }
 
 }  // namespace kestrelon

@@ -1,7 +1,6 @@
 // What one control object keeps between calls. Created empty with the control, never persisted.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <unordered_map>
 #include <vector>
@@ -26,14 +25,22 @@ struct TagTable {
   int32_t UpperBound() const;
 };
 
-// What the exported records are matched against: a row for each item of the bound folder, in its
-// order, from 0. Items that are no contacts have empty texts but for the CRM id.
+// What the exported records are matched against: where the contacts of the bound folder stand in
+// its order, by their texts as these were when the index was built. A row is a position less 1; of
+// equal texts the smallest row is kept. Texts are in lower case.
 struct ContactMatchIndex {
-  enum Column { kKestrelonId, kFirstName, kLastName, kEmail1, kEmail2, kEmail3, kColumns };
-  std::vector<std::array<String, kColumns>> rows;
-  // Where equal rows are looked up; the row with the smallest number of each text, lower-cased.
+  struct NameAndEmail {
+    String first_name;
+    String last_name;
+    String email;
+    bool operator==(const NameAndEmail&) const = default;
+  };
+  struct Hash {
+    size_t operator()(const NameAndEmail& key) const;
+  };
   std::unordered_map<String, size_t> row_of_id;
-  std::unordered_map<String, size_t> row_of_name_and_email;
+  // An entry for each e-mail address of a contact.
+  std::unordered_map<NameAndEmail, size_t, Hash> row_of_name_and_email;
 };
 
 struct ObjectState {
@@ -64,7 +71,6 @@ struct ObjectState {
   int16_t os_version_result = 0;
   bool is_newer_system = false;  // never set back
   // What SetContactFolder was asked for and found.
-  Object default_contacts_folder;
   String contact_folder_name;
   int32_t found_subfolder_position = 0;  // from 1; 0 for none
   ContactMatchIndex match_index;

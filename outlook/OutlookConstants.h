@@ -23,4 +23,10 @@ constexpr int32_t olTask = 48;
 
 constexpr int32_t olText = 1;  // OlUserPropertyType
 
+// OlSensitivity
+constexpr int32_t olNormal = 0;
+constexpr int32_t olPersonal = 1;
+constexpr int32_t olPrivate = 2;
+constexpr int32_t olConfidential = 3;
+
 }  // namespace kestrelon
