@@ -1,48 +1,18 @@
 // A page's document, as the browser hands it over.
 
 #include <libxml/HTMLparser.h>
-#include <libxml/HTMLtree.h>
 
 #include <memory>
+#include <unordered_map>
 
-#include "desktop/server/ServerObject.h"
-#include "desktop/xml/LibxmlText.h"
+#include "desktop/xml/HtmlElement.h"
 #include "desktop/xml/XmlDocuments.h"
 
 namespace kestrelon::desktop {
 namespace {
 
-using HtmlTree = std::shared_ptr<xmlDoc>;
-
-struct FreeBuffer {
-  void operator()(xmlBufferPtr buffer) const { xmlBufferFree(buffer); }
-};
 struct FreeContext {
   void operator()(htmlParserCtxtPtr context) const { htmlFreeParserCtxt(context); }
-};
-
-class HtmlElement final : public ServerObject<HtmlElement> {
- public:
-  HtmlElement(HtmlTree tree, xmlNodePtr node) : tree_(std::move(tree)), node_(node) {}
-  static const MemberTable<HtmlElement>& Members() {
-    static const MemberTable<HtmlElement> table =
-        MemberTable<HtmlElement>(u"HTMLElement").Property(u"outerHTML", &HtmlElement::GetOuterHtml);
-    return table;
-  }
-
- private:
-  Value GetOuterHtml() {
-    const std::unique_ptr<xmlBuffer, FreeBuffer> buffer(xmlBufferCreate());
-    const std::unique_ptr<xmlOutputBuffer, decltype(&xmlOutputBufferClose)> output(
-        xmlOutputBufferCreateBuffer(buffer.get(), nullptr), xmlOutputBufferClose);
-    if (!output) throw AutomationError(kOutOfMemory);
-    htmlNodeDumpFormatOutput(output.get(), tree_.get(), node_, "UTF-8", 0);
-    xmlOutputBufferFlush(output.get());
-    return Text(xmlBufferContent(buffer.get()));
-  }
-
-  HtmlTree tree_;
-  xmlNodePtr node_;
 };
 
 class HtmlPage final : public ServerObject<HtmlPage> {
@@ -51,16 +21,35 @@ class HtmlPage final : public ServerObject<HtmlPage> {
   static const MemberTable<HtmlPage>& Members() {
     static const MemberTable<HtmlPage> table =
         MemberTable<HtmlPage>(u"HTMLDocument")
-            .Property(u"documentElement", &HtmlPage::GetDocumentElement);
+            .Property(u"documentElement", &HtmlPage::GetDocumentElement)
+            .Method(u"getElementById", &HtmlPage::GetElementById, {u"v"});
     return table;
   }
 
  private:
-  Value GetDocumentElement() {
-    return Object(std::make_shared<HtmlElement>(tree_, xmlDocGetRootElement(tree_.get())));
+  Value GetDocumentElement() { return Wrap(xmlDocGetRootElement(tree_.get())); }
+
+  // Nothing when no element has the id; of several, the first in the page.
+  Value GetElementById(const MethodArguments& arguments) {
+    if (elements_.empty()) IndexElements(xmlDocGetRootElement(tree_.get()));
+    const String id = arguments.Require(0).ToText();
+    const auto found = id.empty() ? elements_.end() : elements_.find(id);
+    return found == elements_.end() ? Object() : Wrap(found->second);
+  }
+
+  Object Wrap(xmlNodePtr node) { return Object(std::make_shared<HtmlElement>(tree_, node)); }
+
+  void IndexElements(xmlNodePtr node) {
+    if (node->type != XML_ELEMENT_NODE) return;
+    const xmlAttr* id = FindHtmlAttribute(*node, "id");
+    if (id != nullptr) elements_.try_emplace(HtmlAttributeText(*id), node);
+    for (xmlNodePtr child = node->children; child != nullptr; child = child->next) {
+      IndexElements(child);
+    }
   }
 
   HtmlTree tree_;
+  std::unordered_map<String, xmlNodePtr> elements_;  // by id, filled on first use
 };
 
 bool DeclaresEncoding(std::string_view bytes) {

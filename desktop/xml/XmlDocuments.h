@@ -24,8 +24,9 @@ Object CreateXmlDocument();
 Object ParseXmlDocument(std::string_view bytes);
 
 // A page's document; markup of any quality. The encoding is the declared one, else UTF-8 where the
-// bytes are valid UTF-8, else Windows-1252. `documentElement.outerHTML` gives the markup back;
-// an empty page has an empty `html` element, as in a browser.
+// bytes are valid UTF-8, else Windows-1252. `documentElement.outerHTML` gives the markup back,
+// `getElementById` an element by its exact id, or Nothing, with the `Value` of a form field. An
+// empty page has an empty `html` element, as in a browser.
 // Error 5 when elements nest deeper than 256.
 Object ParseHtmlDocument(std::string_view bytes);
 
