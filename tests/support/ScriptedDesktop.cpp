@@ -22,8 +22,10 @@ class ScriptedObject final : public DispatchObject {
       line = DescribeCall(line, arguments);
     }
     const Value answer = desktop_.Perform(line);
-    // An object that nobody scripted reads as an empty text.
-    return member.empty() && answer.IsObject() ? Value(u"") : answer;
+    // An object that nobody scripted reads as an empty text; one that is asked for an item does
+    // not.
+    const bool is_read = member.empty() && arguments.positional.empty();
+    return is_read && answer.IsObject() ? Value(u"") : answer;
   }
   // A collection is walked over "Each" of its path: an array of answers.
   std::unique_ptr<Enumerator> Enumerate() override {

@@ -1,0 +1,267 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "Control/InterfaceTable.h"
+#include "automation/TracingObject.h"
+#include "desktop/xml/XmlDocuments.h"
+#include "outlook/ContactRecords.h"
+#include "tests/outlook/ScriptedContacts.h"
+
+namespace kestrelon {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::Not;
+using testing::PlainMessage;
+using testing::ScriptedContact;
+using Lines = std::vector<std::string>;
+
+const String kAnn =
+    u"<record id='1'><field name='FIRSTNAME' value='Ann'/><field name='LASTNAME' value='Lee'/>"
+    u"<field name='EMAIL1ADDRESS' value='a@b'/><field name='LASTNAME' value='second'/></record>";
+
+class ContactRecords : public ::testing::Test {
+ protected:
+  ContactRecords() {
+    const Object xml = TraceObject(desktop::CreateXmlDocument(), "Xml", [this](const auto& line) {
+      desktop.log.push_back(line.substr(0, line.find(" -> ")));
+    });
+    desktop.Answer("create Msxml2.DOMDocument", {xml});
+    context.state.bound_contact_folder = desktop.NamedObject("F").ToObject();
+    ScriptContacts(desktop, "F", {});
+  }
+  bool Export(const String& record) {
+    String ContactRecordXML = record;
+    return AddUpdateContactXML(context, ContactRecordXML, overwrite, match_by_name);
+  }
+  bool HasSaved(const std::string& path) const {
+    return std::count(desktop.log.begin(), desktop.log.end(), path + ".save()") != 0;
+  }
+  testing::ScriptedDesktop desktop;
+  ControlContext context{desktop};
+  bool overwrite = false;
+  bool match_by_name = false;
+};
+
+const std::string kNew = "F.Items.Add()";
+
+std::string Query(const std::string& field) {
+  return "Xml.selectSingleNode(\"/record/field[@name='" + field + "']\")";
+}
+
+TEST_F(ContactRecords, ReadsEachFieldJustBeforeItIsWritten) {
+  Export(kAnn);
+  const auto at = [&](const std::string& line) {
+    return std::find(desktop.log.begin(), desktop.log.end(), line);
+  };
+  const std::string value = ".getAttribute(\"value\")";
+  const Lines head(desktop.log.begin(), at("F.Items"));
+  EXPECT_EQ(head, (Lines{"create Msxml2.DOMDocument", head[1], "Xml.selectSingleNode(\"/record\")",
+                         "Xml.selectSingleNode(\"/record\").getAttribute(\"id\")",
+                         Query("FIRSTNAME"), Query("FIRSTNAME") + value, Query("LASTNAME"),
+                         Query("LASTNAME") + value, Query("FIRSTNAME"), Query("FIRSTNAME") + value,
+                         Query("LASTNAME"), Query("LASTNAME") + value, Query("EMAIL1ADDRESS"),
+                         Query("EMAIL1ADDRESS") + value}));
+  EXPECT_EQ(Lines(at("F.Items"), at(kNew + ".FirstName = \"Ann\"")),
+            (Lines{"F.Items", "F.Items.Count", "F.Items", kNew, Query("ACCOUNT_NAME"),
+                   kNew + ".CompanyName = \"\"", Query("TITLE"), kNew + ".title = \"\"",
+                   Query("FIRSTNAME"), Query("FIRSTNAME") + value}));
+}
+
+TEST_F(ContactRecords, WritesEveryPropertyInItsOrder) {
+  // Property and field; a field's value is its name in lower case, but for the last two lines of
+  // the home address, which are missing.
+  const std::vector<std::pair<std::string, std::string>> fields = {
+      {"CompanyName", "ACCOUNT_NAME"},
+      {"title", "TITLE"},
+      {"FirstName", "FIRSTNAME"},
+      {"MiddleName", "MIDDLENAME"},
+      {"LastName", "LASTNAME"},
+      {"JobTitle", "JOBTITLE"},
+      {"Department", "DEPARTMENT"},
+      {"businessaddressstreet", "BUSINESSADDRESSSTREET"},
+      {"businessaddresscity", "BUSINESSADDRESSCITY"},
+      {"businessaddressstate", "BUSINESSADDRESSSTATE"},
+      {"businessaddresspostalcode", "BUSINESSADDRESSPOSTALCODE"},
+      {"businessaddresscountry", "BUSINESSADDRESSCOUNTRY"},
+      {"BusinessTelephoneNumber", "BUSINESSTELEPHONENUMBER"},
+      {"BusinessFaxNumber", "BUSINESSFAXNUMBER"},
+      {"BusinessHomePage", "BUSINESSHOMEPAGE"},
+      {"HomeAddressStreet", "HOMEADDRESSSTREET"},
+      {"HomeAddressCity", "HOMEADDRESSCITY"},
+      {"HomeAddressState", "HOMEADDRESSSTATE"},
+      {"HomeAddressPostalCode", "HOMEADDRESSPOSTALCODE"},
+      {"HomeAddressCountry", "HOMEADDRESSCOUNTRY"},
+      {"HomeTelephoneNumber", "HOMETELEPHONENUMBER"},
+      {"HomeFaxNumber", "HOMEFAXNUMBER"},
+      {"Email1Address", "EMAIL1ADDRESS"},
+      {"Email2Address", "EMAIL2ADDRESS"},
+      {"Email3Address", "EMAIL3ADDRESS"},
+      {"MobileTelephoneNumber", "MOBILETELEPHONENUMBER"},
+      {"Hobby", "HOBBY"},
+      {"NickName", "NICKNAME"},
+      {"Spouse", "SPOUSE"},
+      {"ManagerName", "MANAGERNAME"},
+      {"ReferredBy", "REFERREDBY"},
+      {"AssistantName", "ASSISTANTNAME"},
+      {"AssistantTelephoneNumber", "ASSISTANTTELEPHONENUMBER"},
+      {"WebPage", "BUSINESSHOMEPAGE"}};
+  String record = u"<record id='{1}'>";
+  Lines expected;
+  const auto add_field = [&](const std::string& name) {
+    record += u"<field name='" + FromUtf8(name) + u"' value='" + LowerCase(FromUtf8(name)) + u"'/>";
+  };
+  for (const auto& [property, field] : fields) {
+    add_field(field);
+    std::string value = ToUtf8(LowerCase(FromUtf8(field)));
+    if (field.find("BUSINESSADDRESSSTREET") == 0) {
+      add_field(field + "2");
+      add_field(field + "3");
+      value += "\\r\\n" + value + "2\\r\\n" + value + "3";
+    } else if (field == "HOMEADDRESSSTREET") {
+      value += "\\r\\n\\r\\n";
+    }
+    expected.push_back(kNew + "." + property + " = \"" + value + "\"");
+  }
+  const std::string properties = kNew + ".UserProperties";
+  for (const std::string& line :
+       {kNew + ".User1 = \"Kestrelon\"", kNew + ".User2 = \"Perm\"", kNew + ".User3 = \"{1}\"",
+        properties, properties + ".Add(\"KESTID\", 1)",
+        properties + ".Add(\"KESTID\", 1).Value = \"{1}\"", properties,
+        properties + ".Add(\"Kestrelon\", 1)",
+        properties + ".Add(\"Kestrelon\", 1).Value = \"true\"", kNew + ".save()"}) {
+    expected.push_back(line);
+  }
+  EXPECT_TRUE(Export(record + u"</record>"));
+  Lines written;
+  for (const std::string& line : desktop.log) {
+    if (line.starts_with(kNew + ".")) written.push_back(line);
+  }
+  EXPECT_EQ(written, expected);
+  EXPECT_TRUE(context.state.current_contact.IsNothing());
+  EXPECT_FALSE(context.state.bound_contact_folder.IsNothing());
+  EXPECT_TRUE(desktop.messages.empty());
+}
+
+TEST_F(ContactRecords, AMatchIsLeftAloneOrOverwrittenAsAsked) {
+  const ScriptedContact none = {u"9", u"Bob", u"Lee", u"a@b", u"", u""};
+  const ScriptedContact by_id = {u"{1}", u"Bob", u"Ray", u"", u"", u""};
+  const ScriptedContact by_name = {std::nullopt, u"ANN", u"lee", u"", u"", u"A@B"};
+  const ScriptedContact list = {std::nullopt, u"Ann", u"Lee", u"a@b", u"", u"", 69};
+  enum { kCreated, kLeft, kWritten };
+  const struct {
+    std::vector<ScriptedContact> folder;
+    bool overwrite;
+    bool match_by_name;
+    int outcome;
+    int position = 0;
+  } cases[] = {
+      {{}, true, true, kCreated},
+      {{none}, false, false, kCreated},
+      {{none, list}, true, true, kCreated},
+      {{none, by_id}, false, true, kLeft},
+      {{none, by_id}, true, false, kWritten, 2},
+      {{by_name}, true, false, kCreated},
+      {{by_name}, false, true, kLeft},
+      {{by_name}, true, true, kWritten, 1},
+      {{by_name, by_id}, true, true, kWritten, 1},
+      {{by_name, by_id}, true, false, kWritten, 2},
+      {{by_id, by_name}, true, true, kWritten, 1},
+  };
+  for (const auto& example : cases) {
+    desktop.log.clear();
+    context.state.is_match_index_built = false;
+    ScriptContacts(desktop, "F", example.folder);
+    overwrite = example.overwrite;
+    match_by_name = example.match_by_name;
+    SCOPED_TRACE(&example - cases);
+    EXPECT_TRUE(Export(kAnn));
+    EXPECT_EQ(HasSaved(kNew), example.outcome == kCreated);
+    for (size_t i = 1; i <= example.folder.size(); ++i) {
+      EXPECT_EQ(HasSaved(testing::ItemPath("F", i)),
+                example.outcome == kWritten && static_cast<int>(i) == example.position);
+    }
+  }
+  EXPECT_TRUE(desktop.messages.empty());
+}
+
+TEST_F(ContactRecords, TheIndexIsBuiltOnceAndFoundOutWhenItIsOutOfStep) {
+  overwrite = true;
+  ScriptContacts(desktop, "F", {{u"1", u"", u"", u"", u"", u""}});
+  EXPECT_TRUE(Export(kAnn));
+  ScriptStamp(desktop, "F.Items(1)", std::nullopt);
+  EXPECT_FALSE(Export(kAnn));
+  ScriptStamp(desktop, "F.Items(1)", u"12");
+  EXPECT_FALSE(Export(kAnn));
+  desktop.Fail("F.Items(1)", AutomationError(-2147352567, u"Array index out of bounds."));
+  EXPECT_FALSE(Export(kAnn));
+  EXPECT_THAT(desktop.messages,
+              ElementsAre(PlainMessage(u"Contact temporary index appears to be out of step!"),
+                          PlainMessage(u"Contact temporary index is out of step!"),
+                          PlainMessage(u"Error occured in CheckOutLookContactExists(): Array index "
+                                       u"out of bounds.")));
+  EXPECT_EQ(std::count(desktop.log.begin(), desktop.log.end(), "F.Items.Count"), 1);
+}
+
+TEST_F(ContactRecords, TellsWhyARecordIsNotWritten) {
+  const struct {
+    const char16_t* record;
+    const char16_t* message;
+  } cases[] = {
+      {u"<record",
+       u"Error exporting contact to Outlook: Object variable or With block variable "
+       u"not set"},
+      {u"<other id='1'/>",
+       u"Error exporting contact to Outlook: Object variable or With block "
+       u"variable not set"},
+      {u"<record/>", u"Error exporting contact to Outlook: Invalid use of Null"},
+      {u"<record id=''/>", u"Failed to get contact id from XML feed!"},
+      {u"<record id='1'><field name='lastname' value='x'/></record>",
+       u"FirstName and LastName appear to be blank, skipping this record."},
+  };
+  for (const auto& example : cases) {
+    desktop.messages.clear();
+    EXPECT_FALSE(Export(example.record));
+    EXPECT_THAT(desktop.messages, ElementsAre(PlainMessage(example.message)));
+  }
+  EXPECT_THAT(desktop.log, Not(Contains("F.Items")));
+
+  desktop.messages.clear();
+  desktop.Fail(kNew + ".save", AutomationError(5, u"Disk full"));
+  EXPECT_FALSE(Export(kAnn));
+  context.state.bound_contact_folder.Release();
+  EXPECT_FALSE(Export(kAnn));
+  bool flag = true;
+  EXPECT_EQ(CheckOutLookContactExists(context, u"1", u"", u"", u"", flag), ContactMatch::kNone);
+  EXPECT_THAT(
+      desktop.messages,
+      ElementsAre(PlainMessage(u"Error exporting contact to Outlook: Disk full"),
+                  PlainMessage(u"SetContactFolder() has not been run. Run this before calling "
+                               u"AddUpdateContactXml()"),
+                  PlainMessage(u"SetContactFolder() has not been run. Run this before calling "
+                               u"CheckOutLookContactExists()")));
+}
+
+TEST_F(ContactRecords, AFieldWithoutValueIsToldAndReadAsEmpty) {
+  const bool is_written =
+      Export(u"<record id='1'><field name='LASTNAME' value='Lee'/><field name='HOBBY'/></record>");
+  EXPECT_TRUE(is_written);
+  EXPECT_THAT(desktop.log, Contains(kNew + ".Hobby = \"\""));
+  EXPECT_THAT(desktop.messages, ElementsAre(PlainMessage(u"Error occured in GetXMLFieldValue(): "
+                                                         u"Invalid use of Null")));
+}
+
+TEST_F(ContactRecords, TheCallersFlagsShowWhatBecameOfThem) {
+  const String no_email = u"<record id='1'><field name='LASTNAME' value='Lee'/></record>";
+  for (const auto& [record, by_name] : {std::pair(kAnn, true), std::pair(no_email, false)}) {
+    std::vector<Value> values = {record, -1, u"True"};
+    FindMember(u"AddUpdateContactXML")->invoke(context, values);
+    EXPECT_TRUE(values[1].IsBoolean() && values[1].AsBoolean());
+    EXPECT_TRUE(values[2].IsBoolean());
+    EXPECT_EQ(values[2].AsBoolean(), by_name);
+  }
+}
+
+}  // namespace
+}  // namespace kestrelon

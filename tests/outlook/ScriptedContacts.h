@@ -1,0 +1,53 @@
+// Contacts in a folder of the scripted desktop.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/ScriptedDesktop.h"
+
+namespace kestrelon::testing {
+
+struct ScriptedContact {
+  std::optional<String> stamp;  // the CRM id
+  String first_name;
+  String last_name;
+  String email1{};
+  String email2{};
+  String email3{};
+  int32_t item_class = 40;
+};
+
+// The item at `path` has the user property "KESTID" with this value, or none.
+inline void ScriptStamp(ScriptedDesktop& desktop, const std::string& path,
+                        const std::optional<String>& stamp) {
+  const std::string find = path + ".UserProperties.Find(\"KESTID\")";
+  desktop.Answer(find, {stamp ? desktop.NamedObject(find) : Value(Object())});
+  if (stamp) desktop.Answer(find + ".Value", {Value(*stamp)});
+}
+
+// A message box with an OK button only and the desktop's title.
+inline ShownMessage PlainMessage(const String& text) { return {text, 0, std::nullopt}; }
+
+inline std::string ItemPath(const std::string& folder, size_t position) {
+  return folder + ".Items(" + std::to_string(position) + ")";
+}
+
+inline void ScriptContacts(ScriptedDesktop& desktop, const std::string& folder,
+                           const std::vector<ScriptedContact>& contacts) {
+  desktop.Answer(folder + ".Items.Count", {static_cast<int32_t>(contacts.size())});
+  for (size_t i = 0; i < contacts.size(); ++i) {
+    const ScriptedContact& contact = contacts[i];
+    const std::string path = ItemPath(folder, i + 1);
+    ScriptStamp(desktop, path, contact.stamp);
+    desktop.Answer(path + ".Class", {contact.item_class});
+    desktop.Answer(path + ".FirstName", {Value(contact.first_name)});
+    desktop.Answer(path + ".LastName", {Value(contact.last_name)});
+    desktop.Answer(path + ".Email1Address", {Value(contact.email1)});
+    desktop.Answer(path + ".Email2Address", {Value(contact.email2)});
+    desktop.Answer(path + ".Email3Address", {Value(contact.email3)});
+  }
+}
+
+}  // namespace kestrelon::testing
