@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 
 #include "Control/KestrelonControl.h"
+#include "desktop/xml/XmlDocuments.h"
 #include "tests/FailEverywhereOutlook.h"
 
 namespace kestrelon {
@@ -27,6 +29,37 @@ void SelectItems(ScriptedDesktop& desktop, int32_t count) {
 }
 
 void SelectOne(ScriptedDesktop& desktop, ObjectState&) { SelectItems(desktop, 1); }
+// What a member that works on the bound folder finds there.
+void FillBoundFolder(ScriptedDesktop& desktop, ObjectState&) {
+  desktop.Answer("create Msxml2.DOMDocument", {desktop::CreateXmlDocument()});
+  desktop.Answer("BoundFolder.Items.Count", {2});
+  for (const char* item : {"BoundFolder.Items(1)", "BoundFolder.Items(2)"}) {
+    desktop.Answer(std::string(item) + ".Class", {40});
+    desktop.Answer(std::string(item) + ".UserProperties.Find(\"KESTID\").Value", {Value(u"1")});
+  }
+}
+
+// The contacts of the user and a folder in them, each with a contact of the CRM's.
+void FillContacts(ScriptedDesktop& desktop, ObjectState&) {
+  const std::string contacts = "Outlook.Application.GetNamespace(\"MAPI\").GetDefaultFolder(10)";
+  const std::string subfolder = contacts + ".Folders.item(1)";
+  desktop.Answer(contacts + ".Folders.count", {1});
+  desktop.Answer(subfolder + ".Name", {Value(u"Work")});
+  desktop.Answer(subfolder + ".DefaultItemType", {2});
+  for (const std::string& folder : {contacts, subfolder}) {
+    desktop.Answer(folder + ".Items.count", {1});
+    desktop.Answer(folder + ".Items(1).UserProperties.Find(\"KESTID\").Value", {Value(u"1")});
+    desktop.Answer(folder + ".Items.item(1).Class", {69});
+  }
+}
+
+// A page that has every field; each is empty.
+Value EmptyPage() {
+  static ScriptedDesktop desktop;
+  desktop.cut_at = std::numeric_limits<int>::max();
+  return desktop.NamedObject("Page");
+}
+
 void SelectTwo(ScriptedDesktop& desktop, ObjectState&) { SelectItems(desktop, 2); }
 
 void ReachOutlookByLoopback(ScriptedDesktop& desktop, ObjectState&) {
@@ -85,12 +118,10 @@ auto FillFolder(int32_t folder, int32_t item_class) {
 
 const std::vector<Value> kReply = {u"to", u"from", u"sent", u"to", u"subject", u"<html>"};
 
-const std::string kMapi = "Outlook.Application.GetNamespace(\"MAPI\")";
-
 // A folder with one subfolder and one item, which answer "x" to everything but their kind.
 auto FillForLists(int32_t folder_number, int32_t item_type, int32_t item_class) {
   return [=](ScriptedDesktop& desktop, ObjectState&) {
-    const std::string folder = kMapi + ".GetDefaultFolder(" + std::to_string(folder_number) + ")";
+    const std::string folder = kNamespace + ".GetDefaultFolder(" + std::to_string(folder_number) + ")";
     const std::string subfolder = folder + ".Folders.item(1)";
     desktop.Answer(folder + ".EntryID", {Value(u"x")});
     desktop.Answer(folder + ".Folders.count", {1});
@@ -237,6 +268,33 @@ std::vector<OutlookCase> AllCases() {
        1,
        kReleased,
        FillForLists(13, 3, 48)},
+      {u"SetContactFolder", {u"Work"}, u"", {}, 1, kKept, FillContacts},
+      {u"AddContact",
+       {u"1", u"Lee", u"", u"Co", u"a@b", u"", u"", u"", u"", u"", u"1", u"2", u"3", u"", u"", u"",
+        u""},
+       u"",
+       {},
+       0,
+       kKept,
+       nullptr,
+       true},
+      {u"AddContactAll", {EmptyPage()}, u"True", {u"False"}, 0, kKept},
+      {u"AddUpdateContactXML",
+       {u"<record id='1'><field name='LASTNAME' value='Lee'/></record>", true, true},
+       u"True",
+       {u"False"},
+       1,
+       kKept,
+       FillBoundFolder},
+      {u"RemoveContact",
+       {u"1", false},
+       u"The contact was successfully unsynchronized from its associated Outlook Contact",
+       {u"Kestrelon failed to unsynchronize the Outlook contact. Please contact your system "
+        u"administrator"},
+       0,
+       kReleased,
+       FillContacts},
+      {u"CreateContactAsvCard", {EmptyPage()}, u"True", {u"False"}, 0, kReleased},
   };
 }
 

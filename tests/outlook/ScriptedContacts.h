@@ -30,6 +30,16 @@ inline void ScriptStamp(ScriptedDesktop& desktop, const std::string& path,
 // A message box with an OK button only and the desktop's title.
 inline ShownMessage PlainMessage(const String& text) { return {text, 0, std::nullopt}; }
 
+// The calls on the object at `path`, and on what it returned.
+inline std::vector<std::string> LinesAbout(const ScriptedDesktop& desktop,
+                                           const std::string& path) {
+  std::vector<std::string> lines;
+  for (const std::string& line : desktop.log) {
+    if (line.starts_with(path + ".")) lines.push_back(line);
+  }
+  return lines;
+}
+
 inline std::string ItemPath(const std::string& folder, size_t position) {
   return folder + ".Items(" + std::to_string(position) + ")";
 }
