@@ -30,14 +30,23 @@ inline void ScriptStamp(ScriptedDesktop& desktop, const std::string& path,
 // A message box with an OK button only and the desktop's title.
 inline ShownMessage PlainMessage(const String& text) { return {text, 0, std::nullopt}; }
 
-// The calls on the object at `path`, and on what it returned.
-inline std::vector<std::string> LinesAbout(const ScriptedDesktop& desktop,
-                                           const std::string& path) {
-  std::vector<std::string> lines;
+// The calls on the object at `path` and on what it returned, from ".Subject = \"…\"" on, one a
+// line.
+inline std::string CallsOn(const ScriptedDesktop& desktop, const std::string& path) {
+  std::string calls;
   for (const std::string& line : desktop.log) {
-    if (line.starts_with(path + ".")) lines.push_back(line);
+    if (line.starts_with(path + ".")) calls += line.substr(path.size()) + "\n";
   }
-  return lines;
+  return calls;
+}
+
+// The calls that stamp a contact as a permanent one with this CRM id.
+inline std::string StampingCalls(const std::string& id) {
+  const std::string properties = ".UserProperties";
+  const std::string id_field = properties + ".Add(\"KESTID\", 1)";
+  const std::string mark = properties + ".Add(\"Kestrelon\", 1)";
+  return properties + "\n" + id_field + "\n" + id_field + ".Value = \"" + id + "\"\n" +  //
+         properties + "\n" + mark + "\n" + mark + ".Value = \"true\"\n";
 }
 
 inline std::string ItemPath(const std::string& folder, size_t position) {
