@@ -269,6 +269,7 @@ std::vector<OutlookCase> AllCases() {
        kReleased,
        FillForLists(13, 3, 48)},
       {u"SetContactFolder", {u"Work"}, u"", {}, 1, kKept, FillContacts},
+      {u"SetContactFolder", {u"Work"}, u"", {u""}, 1, kKept, FillContacts},
       {u"AddContact",
        {u"1", u"Lee", u"", u"Co", u"a@b", u"", u"", u"", u"", u"", u"1", u"2", u"3", u"", u"", u"",
         u""},
