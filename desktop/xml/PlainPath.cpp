@@ -104,7 +104,7 @@ bool PlainPath::Matches(const Step& step, const xmlNode& node) {
 
 void PlainPath::Walk(xmlNodePtr parent, size_t depth, size_t limit,
                      std::vector<xmlNodePtr>& found) const {
-  if (parent->type != XML_ELEMENT_NODE && parent->type != XML_DOCUMENT_NODE) return;
+  if (parent->type == XML_ATTRIBUTE_NODE) return;  // its text is no child of it to XPath
   const Step& step = steps_[depth];
   for (xmlNodePtr child = parent->children; child && found.size() < limit; child = child->next) {
     if (!Matches(step, *child)) continue;
