@@ -121,7 +121,8 @@ const std::vector<Value> kReply = {u"to", u"from", u"sent", u"to", u"subject", u
 // A folder with one subfolder and one item, which answer "x" to everything but their kind.
 auto FillForLists(int32_t folder_number, int32_t item_type, int32_t item_class) {
   return [=](ScriptedDesktop& desktop, ObjectState&) {
-    const std::string folder = kNamespace + ".GetDefaultFolder(" + std::to_string(folder_number) + ")";
+    const std::string folder =
+        kNamespace + ".GetDefaultFolder(" + std::to_string(folder_number) + ")";
     const std::string subfolder = folder + ".Folders.item(1)";
     desktop.Answer(folder + ".EntryID", {Value(u"x")});
     desktop.Answer(folder + ".Folders.count", {1});
@@ -268,7 +269,7 @@ std::vector<OutlookCase> AllCases() {
        1,
        kReleased,
        FillForLists(13, 3, 48)},
-      {u"SetContactFolder", {u"Work"}, u"", {}, 1, kKept, FillContacts},
+      // Contacts.
       {u"SetContactFolder", {u"Work"}, u"", {u""}, 1, kKept, FillContacts},
       {u"AddContact",
        {u"1", u"Lee", u"", u"Co", u"a@b", u"", u"", u"", u"", u"", u"1", u"2", u"3", u"", u"", u"",
