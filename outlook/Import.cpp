@@ -68,8 +68,9 @@ void AddAddress(ItemRecord& record, const StreetLines& street, const Object& con
   record.AddProperties(contact, properties);
 }
 
-// The first item with the entry id; `found` stays as it is when there is none.
+// The first item with the entry id; Nothing when there is none, whatever `found` held before.
 void FindItem(const Object& folder, const String& entry_id, Object& found) {
+  found.Release();
   const auto walk = folder.GetChild(u"Items").Enumerate();
   while (const std::optional<Value> element = walk->Next()) {
     const Object item = element->ToObject();
