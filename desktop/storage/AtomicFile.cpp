@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <system_error>
 
 #include "automation/Text.h"
@@ -17,20 +19,6 @@ namespace {
 
 constexpr int32_t kDeviceError = 57;
 constexpr int32_t kDiskFull = 61;
-
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
-  ~FileDescriptor() {
-    if (descriptor_ >= 0) close(descriptor_);
-  }
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  int get() const { return descriptor_; }
-
- private:
-  int descriptor_;
-};
 
 void WriteAll(int descriptor, std::string_view content, const fs::path& path) {
   while (!content.empty()) {
@@ -43,12 +31,13 @@ void WriteAll(int descriptor, std::string_view content, const fs::path& path) {
   }
 }
 
-// A new file beside `path`, created exclusively by mkstemp, never through a planted link.
-std::string CreateBeside(const fs::path& path, int& descriptor) {
-  std::string name = (path.parent_path() / ".kestrelon-XXXXXX").string();
-  descriptor = mkostemp(name.data(), O_CLOEXEC);
-  if (descriptor < 0) throw FileError(errno, path);
-  return name;
+// The clock's own time: that of the file system stands still for some milliseconds, and two states
+// of a file could look alike.
+void SetExactTime(int descriptor) {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  const timespec times[] = {now, now};
+  futimens(descriptor, times);
 }
 
 mode_t ModeFor(const fs::path& path) {
@@ -95,28 +84,57 @@ AutomationError FileError(int error_code, const fs::path& path) {
   }
 }
 
-void WriteFileAtomically(const fs::path& path, std::string_view content, Durability durability) {
-  const fs::path target = FollowLink(path);
-  CheckMayReplace(target);
-  int raw = -1;
-  const std::string temporary = CreateBeside(target, raw);
+StagedFile::StagedFile(const fs::path& place, std::string_view content, Durability durability)
+    : place_(FollowLink(place)) {
+  CheckMayReplace(place_);
+  // Created exclusively, never through a planted link.
+  name_ = (place_.parent_path() / ".kestrelon-XXXXXX").string();
+  const int descriptor = mkostemp(name_.data(), O_CLOEXEC);
+  if (descriptor < 0) throw FileError(errno, place_);
+  file_.emplace(descriptor);
   try {
-    const FileDescriptor file(raw);
-    WriteAll(file.get(), content, target);
-    if (fchmod(file.get(), ModeFor(target)) != 0) throw FileError(errno, target);
-    if (durability == Durability::kPowerLoss && fsync(file.get()) != 0) {
-      throw FileError(errno, target);
+    WriteAll(descriptor, content, place_);
+    if (fchmod(descriptor, ModeFor(place_)) != 0) throw FileError(errno, place_);
+    SetExactTime(descriptor);
+    if (durability == Durability::kPowerLoss && fsync(descriptor) != 0) {
+      throw FileError(errno, place_);
     }
-    if (rename(temporary.c_str(), target.c_str()) != 0) throw FileError(errno, target);
   } catch (...) {
-    unlink(temporary.c_str());
+    unlink(name_.c_str());
     throw;
   }
-  if (durability == Durability::kPowerLoss) {
-    const fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
-    const FileDescriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (opened.get() < 0 || fsync(opened.get()) != 0) throw FileError(errno, folder);
+}
+
+StagedFile::~StagedFile() {
+  if (!name_.empty()) unlink(name_.c_str());
+}
+
+void StagedFile::Replace() {
+  if (rename(name_.c_str(), place_.c_str()) != 0) throw FileError(errno, place_);
+  name_.clear();
+}
+
+bool StagedFile::PlaceAsNew(const fs::path& place) {
+  if (renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, place.c_str(), RENAME_NOREPLACE) == 0) {
+    name_.clear();
+    return true;
   }
+  // Not every file system knows that flag; the hidden name then goes with this object.
+  if (errno == EINVAL && link(name_.c_str(), place.c_str()) == 0) return true;
+  if (errno == EEXIST) return false;
+  throw FileError(errno, place);
+}
+
+void SyncFolder(const fs::path& folder) {
+  const FileDescriptor opened(
+      open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened.get() < 0 || fsync(opened.get()) != 0) throw FileError(errno, folder);
+}
+
+void WriteFileAtomically(const fs::path& path, std::string_view content, Durability durability) {
+  StagedFile file(path, content, durability);
+  file.Replace();
+  if (durability == Durability::kPowerLoss) SyncFolder(file.place().parent_path());
 }
 
 void MoveFileIntoPlace(const fs::path& source, const fs::path& path) {

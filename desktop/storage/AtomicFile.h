@@ -6,10 +6,12 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "automation/AutomationError.h"
+#include "desktop/storage/FileDescriptor.h"
 
 namespace kestrelon::desktop {
 
@@ -25,6 +27,35 @@ AutomationError FileError(int error_code, const std::filesystem::path& path);
 // of an existing file is kept. A link at `path` is followed, its target replaced.
 void WriteFileAtomically(const std::filesystem::path& path, std::string_view content,
                          Durability durability = Durability::kRename);
+
+// A whole file under a hidden name (".kestrelon-XXXXXX") beside its place. It goes away again
+// unless it is put there.
+class StagedFile {
+ public:
+  // A link at `place` is followed; the mode of a file there is taken over. Synced for kPowerLoss,
+  // but the folder is not.
+  StagedFile(const std::filesystem::path& place, std::string_view content, Durability durability);
+  ~StagedFile();
+  StagedFile(const StagedFile&) = delete;
+  StagedFile& operator=(const StagedFile&) = delete;
+
+  const std::filesystem::path& place() const { return place_; }
+  // Of the file: its inode, size and time are those that it will have in its place.
+  int descriptor() const { return file_->get(); }
+
+  // Into its place, whatever lies there.
+  void Replace();
+  // Under a name in the same folder that nothing holds; false when something does.
+  bool PlaceAsNew(const std::filesystem::path& place);
+
+ private:
+  std::filesystem::path place_;
+  std::string name_;
+  std::optional<FileDescriptor> file_;
+};
+
+// Makes what was put into or taken out of the folder last through a power loss.
+void SyncFolder(const std::filesystem::path& folder);
 
 // Puts the finished file `source` in the place of `path`, by rename where both lie on one file
 // system, else by an atomic copy. `source` is gone afterwards.

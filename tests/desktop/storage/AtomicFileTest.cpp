@@ -30,5 +30,22 @@ TEST(AtomicFile, AReadOnlyFileStaysThoughItsFolderCouldReplaceIt) {
   EXPECT_EQ(ReadWholeFile(kept), "new");
 }
 
+TEST(AtomicFile, AStagedFileTakesAFreeNameOnlyAndLeavesNothingBehind) {
+  const PrivateFolder folder("kestrelon-storage-test-");
+  const fs::path held = folder.path() / "held", free = folder.path() / "free";
+  WriteFileAtomically(held, "old");
+  {
+    StagedFile staged(held, "new", Durability::kPowerLoss);
+    EXPECT_FALSE(staged.PlaceAsNew(held));
+    fs::create_symlink("nowhere", folder.path() / "dangling");
+    EXPECT_FALSE(staged.PlaceAsNew(folder.path() / "dangling"));
+    EXPECT_TRUE(staged.PlaceAsNew(free));
+  }
+  { const StagedFile dropped(held, "dropped", Durability::kRename); }
+  EXPECT_EQ(ReadWholeFile(held), "old");
+  EXPECT_EQ(ReadWholeFile(free), "new");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
+}
+
 }  // namespace
 }  // namespace kestrelon::desktop
