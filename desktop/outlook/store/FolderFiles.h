@@ -6,38 +6,24 @@
 // place where they were first seen.
 //
 // Other programs may change the folder at any time. It is looked at again whenever its time has
-// changed, and no write goes over a file that is not as it was read.
+// changed, and no write goes over a file that is not as it was read. Writers wait for each other by
+// a lock on the folder (flock). Links to files are followed; those of other users are left alone.
+//
+// Errors are those of desktop/storage, with the folder and what to do in the description.
 #pragma once
 
-#include <cstdint>
+#include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-#include "desktop/outlook/formats/ItemDocument.h"
+#include "desktop/outlook/store/ItemFile.h"
 
 namespace kestrelon::desktop {
-
-// What tells one state of a file from another.
-struct FileStamp {
-  uint64_t inode = 0;
-  int64_t size = -1;
-  int64_t modified = 0;  // nanoseconds since 1970
-  friend bool operator==(const FileStamp&, const FileStamp&) = default;
-};
-
-struct ItemFile {
-  std::string name;  // within its folder
-  ItemClass item_class = ItemClass::kContact;
-  FileStamp stamp;  // of the state that `content` holds
-  std::string content;
-  bool is_gone = false;  // deleted since it was read
-};
-
-using ItemFilePointer = std::shared_ptr<ItemFile>;
 
 class FolderFiles {
  public:
@@ -63,16 +49,41 @@ class FolderFiles {
 
   enum class ReplaceOutcome {
     kReplaced,
-    kChangedMeanwhile,  // nothing was written; `file` now holds the state that lies there
-    kGone               // nothing was written; another program deleted it
+    kChangedMeanwhile,  // nothing was written; `file` is now the state that lies there
+    kGone               // nothing was written; another program deleted it, or it is no item now
   };
-  // Puts new content into the place of what was read, synced.
-  ReplaceOutcome Replace(ItemFile& file, std::string content);
+  // Puts new content into the place of what was read, synced. `file` is the new state then; others
+  // who hold the old one are told when they write.
+  ReplaceOutcome Replace(ItemFilePointer& file, std::string content);
   // Deletes the file, unless it is not as it was read.
-  ReplaceOutcome Remove(ItemFile& file);
+  ReplaceOutcome Remove(ItemFilePointer& file);
 
  private:
+  // `rank` rises along the order.
+  struct Slot {
+    ItemFilePointer file;
+    size_t rank = 0;
+  };
+
+  void LookAgain();
+  void Walk();
+  void ReadItems(int folder);
+  void Arrange(int folder);
+  std::vector<Slot*> ArrangeAsListed(size_t& lines);
+  // Nothing of others may get lost in a change of our own: see the definition.
+  void ChangeFolder(int folder, const std::function<void()>& change);
+  bool IsAsRead(int folder, const ItemFile& file) const;
+  ReplaceOutcome TakeOver(int folder, ItemFilePointer& file);
+  void Keep(ItemFilePointer file);
+  void Forget(const std::string& name);
+
   std::filesystem::path folder_;
+  std::shared_ptr<const std::filesystem::path> shared_folder_;
+  bool is_read_ = false;
+  FileStamp known_;  // of the folder, as of the walk or our last change; empty when out of step
+  std::unordered_map<std::string, Slot> slots_;  // also files found before the walk
+  std::deque<Slot*> order_;
+  size_t next_rank_ = 0;
 };
 
 }  // namespace kestrelon::desktop

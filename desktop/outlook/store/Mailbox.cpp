@@ -19,18 +19,6 @@ fs::path FromEnvironment(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-void CreateFolders(const fs::path& folder) {
-  std::error_code error;
-  if (fs::is_directory(folder, error)) return;
-  if (folder.has_parent_path() && folder.parent_path() != folder) {
-    CreateFolders(folder.parent_path());
-  }
-  constexpr mode_t kForTheUserAlone = 0700;
-  if (mkdir(folder.c_str(), kForTheUserAlone) != 0 && errno != EEXIST) {
-    throw FileError(errno, folder);
-  }
-}
-
 }  // namespace
 
 fs::path MailboxFolder() {
@@ -46,6 +34,26 @@ fs::path MailboxFolder() {
     data = home / ".local/share";
   }
   return data / "kestrelon/mailbox";
+}
+
+void MakeFolder(const fs::path& folder) {
+  std::error_code error;
+  if (fs::is_directory(folder, error)) return;
+  if (folder.has_parent_path() && folder.parent_path() != folder) {
+    MakeFolder(folder.parent_path());
+  }
+  constexpr mode_t kForTheUserAlone = 0700;
+  if (mkdir(folder.c_str(), kForTheUserAlone) != 0 && errno != EEXIST) {
+    throw FileError(errno, folder);
+  }
+}
+
+AutomationError SavingError(const AutomationError& error, StringView subject,
+                            const fs::path& folder) {
+  return AutomationError(error.number(), error.description() + u". " + String(subject) +
+                                             u" cannot be saved in \"" + TextFromPath(folder) +
+                                             u"\". Make that folder writable, or set "
+                                             u"KESTRELON_MAILBOX to another folder.");
 }
 
 String NewEntryId() {
@@ -66,14 +74,10 @@ fs::path WriteDraft(StringView entry_id, std::string_view message) {
   const fs::path folder = MailboxFolder() / "Drafts";
   const fs::path path = folder / (ToUtf8(entry_id) + ".eml");
   try {
-    CreateFolders(folder);
+    MakeFolder(folder);
     WriteFileAtomically(path, message, Durability::kPowerLoss);
   } catch (const AutomationError& error) {
-    throw AutomationError(error.number(), error.description() +
-                                              u". The mail cannot be saved in \"" +
-                                              TextFromPath(folder) +
-                                              u"\". Make that folder writable, or set "
-                                              u"KESTRELON_MAILBOX to another folder.");
+    throw SavingError(error, u"The mail", folder);
   }
   return path;
 }

@@ -7,12 +7,21 @@
 #include <filesystem>
 #include <string_view>
 
+#include "automation/AutomationError.h"
 #include "automation/Text.h"
 
 namespace kestrelon::desktop {
 
 // Error 76 when no variable says where the mailbox is.
 std::filesystem::path MailboxFolder();
+
+// Makes the folder and those above it where they are missing, for the user alone.
+void MakeFolder(const std::filesystem::path& folder);
+
+// `error` with the folder and what to do in its description; `subject` ("The mail") is what could
+// not be saved there.
+AutomationError SavingError(const AutomationError& error, StringView subject,
+                            const std::filesystem::path& folder);
 
 // 32 random hexadecimal digits.
 String NewEntryId();

@@ -1,0 +1,56 @@
+#include "desktop/outlook/store/FolderOrder.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "desktop/storage/AtomicFile.h"
+
+namespace kestrelon::desktop {
+namespace {
+
+constexpr const char* kOrderFile = ".kestrelon-order";
+
+std::string LinesOf(const std::vector<std::string>& names) {
+  std::string lines;
+  for (const std::string& name : names) {
+    if (name.find('\n') == std::string::npos) lines += name + '\n';
+  }
+  return lines;
+}
+
+}  // namespace
+
+std::vector<std::string> ReadOrder(const std::filesystem::path& folder) {
+  std::string text;
+  IgnoreFailures([&] { text = ReadWholeFile(folder / kOrderFile); });
+  std::vector<std::string> names;
+  for (size_t start = 0; start < text.size();) {
+    const size_t end = std::min(text.find('\n', start), text.size());
+    names.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return names;
+}
+
+void AppendToOrder(int folder, const std::vector<std::string>& names) {
+  const std::string lines = LinesOf(names);
+  if (lines.empty()) return;
+  const FileDescriptor file(
+      openat(folder, kOrderFile, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
+  struct stat before {};
+  if (file.get() < 0 || fstat(file.get(), &before) != 0) return;
+  const ssize_t written = write(file.get(), lines.data(), lines.size());
+  // Half a line would swallow the next one.
+  if (written != static_cast<ssize_t>(lines.size()) && ftruncate(file.get(), before.st_size) != 0) {
+    return;
+  }
+}
+
+void RewriteOrder(const std::filesystem::path& folder, const std::vector<std::string>& names) {
+  IgnoreFailures(
+      [&] { WriteFileAtomically(folder / kOrderFile, LinesOf(names), Durability::kPowerLoss); });
+}
+
+}  // namespace kestrelon::desktop
