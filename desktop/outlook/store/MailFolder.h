@@ -6,6 +6,10 @@
 // A name that is no file name ("a/b", ".x") is stored with its odd characters as %XX. What kind of
 // items a subfolder is for stands in its file ".kestrelon-kind"; without one, it is what the files
 // in it are, else what its parent is for. Folders are made on first use, for the user alone.
+//
+// Links to folders and files are followed when the user (or root) has made them; those of others
+// are as if they were not there. Failures to write are errors of desktop/storage, with the folder
+// and what to do in the description.
 #pragma once
 
 #include <filesystem>
@@ -62,6 +66,7 @@ class MailFolder {
   MailFolderPointer parent_;
   std::filesystem::path relative_;
   FolderKind kind_;
+  std::shared_ptr<FolderFiles> files_;
 };
 
 // The user's mailbox, and that of another user, whose name is matched without regard to case;
@@ -74,6 +79,7 @@ MailStorePointer StoreById(StringView store_id);
 // OlDefaultFolders: 6 Inbox, 9 Calendar, 10 Contacts, 13 Tasks, 16 Drafts; 3 (Deleted Items),
 // 4 (Outbox) and 5 (Sent Items) likewise. nullptr for any other. Made when missing.
 MailFolderPointer DefaultFolder(const MailStorePointer& store, int32_t default_folder);
+// The default folders that are there, then the others by name.
 std::vector<MailFolderPointer> TopFolders(const MailStorePointer& store);
 
 // By entry id, looked for in `store`. nullptr for an id that stands for nothing there.

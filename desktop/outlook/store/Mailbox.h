@@ -23,6 +23,9 @@ void MakeFolder(const std::filesystem::path& folder);
 AutomationError SavingError(const AutomationError& error, StringView subject,
                             const std::filesystem::path& folder);
 
+// In the mailbox: holds those of other users.
+inline constexpr const char* kSharedFolder = "Shared";
+
 // 32 random hexadecimal digits.
 String NewEntryId();
 
