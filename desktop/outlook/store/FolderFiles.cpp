@@ -163,15 +163,17 @@ void FolderFiles::Walk() {
 }
 
 void FolderFiles::ReadItems(int folder) {
-  const std::vector<std::string> names = ListItems(folder, folder_);
+  std::vector<std::string> names = ListItems(folder, folder_);
   std::unordered_map<std::string, Slot> before = std::exchange(slots_, {});
+  order_.clear();
   slots_.reserve(names.size());
-  for (const std::string& name : names) {
-    auto known = before.extract(name);
+  for (std::string& name : names) {
+    auto known = before.empty() ? decltype(before)::node_type() : before.extract(name);
     if (!known.empty() && IsAsRead(folder, *known.mapped().file)) {
+      known.mapped().rank = kNoRank;
       slots_.insert(std::move(known));
     } else if (ItemFilePointer file = ReadItemFile(folder, shared_folder_, name)) {
-      slots_[name].file = std::move(file);
+      slots_[std::move(name)].file = std::move(file);
     }
   }
   for (const auto& [name, slot] : before) slot.file->is_gone = true;
@@ -180,21 +182,21 @@ void FolderFiles::ReadItems(int folder) {
 // The listed ones in their order; those that are not listed are returned. Names are written before
 // their files appear: read after the files, the order misses none of ours.
 std::vector<FolderFiles::Slot*> FolderFiles::ArrangeAsListed(size_t& lines) {
-  constexpr size_t kNone = ~size_t{0};
+  for (Slot* slot : order_) slot->rank = kNoRank;
   order_.clear();
-  for (auto& [name, slot] : slots_) slot.rank = kNone;
-  const std::vector<std::string> listed = ReadOrder(folder_);
-  lines = listed.size();
+  const FolderOrder order(folder_);
+  lines = next_rank_ = order.lines().size();
+  std::string name;
   for (size_t i = lines; i-- > 0;) {
-    const auto found = slots_.find(listed[i]);
-    if (found == slots_.end() || found->second.rank != kNone) continue;
+    const auto found = slots_.find(name.assign(order.lines()[i]));
+    if (found == slots_.end() || found->second.rank != kNoRank) continue;
     found->second.rank = i;
     order_.push_front(&found->second);
   }
-  next_rank_ = lines;
   std::vector<Slot*> others;
-  for (auto& [name, slot] : slots_) {
-    if (slot.rank == kNone) others.push_back(&slot);
+  if (order_.size() == slots_.size()) return others;
+  for (auto& [unused, slot] : slots_) {
+    if (slot.rank == kNoRank) others.push_back(&slot);
   }
   std::ranges::sort(others, [](const Slot* a, const Slot* b) {
     return std::tie(a->file->stamp.modified, a->file->name) <

@@ -59,10 +59,11 @@ class FolderFiles {
   ReplaceOutcome Remove(ItemFilePointer& file);
 
  private:
+  static constexpr size_t kNoRank = ~size_t{0};
   // `rank` rises along the order.
   struct Slot {
     ItemFilePointer file;
-    size_t rank = 0;
+    size_t rank = kNoRank;
   };
 
   void LookAgain();

@@ -22,16 +22,14 @@ std::string LinesOf(const std::vector<std::string>& names) {
 
 }  // namespace
 
-std::vector<std::string> ReadOrder(const std::filesystem::path& folder) {
-  std::string text;
-  IgnoreFailures([&] { text = ReadWholeFile(folder / kOrderFile); });
-  std::vector<std::string> names;
+FolderOrder::FolderOrder(const std::filesystem::path& folder) {
+  IgnoreFailures([&] { text_ = ReadWholeFile(folder / kOrderFile); });
+  const std::string_view text = text_;
   for (size_t start = 0; start < text.size();) {
     const size_t end = std::min(text.find('\n', start), text.size());
-    names.push_back(text.substr(start, end - start));
+    lines_.push_back(text.substr(start, end - start));
     start = end + 1;
   }
-  return names;
 }
 
 void AppendToOrder(int folder, const std::vector<std::string>& names) {

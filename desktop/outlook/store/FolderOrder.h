@@ -7,12 +7,25 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kestrelon::desktop {
 
-// All lines as they stand.
-std::vector<std::string> ReadOrder(const std::filesystem::path& folder);
+class FolderOrder {
+ public:
+  // Without lines when the file is not there.
+  explicit FolderOrder(const std::filesystem::path& folder);
+  FolderOrder(const FolderOrder&) = delete;
+  FolderOrder& operator=(const FolderOrder&) = delete;
+
+  // All of them as they stand; they live as long as this object.
+  const std::vector<std::string_view>& lines() const { return lines_; }
+
+ private:
+  std::string text_;
+  std::vector<std::string_view> lines_;
+};
 
 // Both under the folder's lock. Names that hold a line break are left out.
 void AppendToOrder(int folder, const std::vector<std::string>& names);
