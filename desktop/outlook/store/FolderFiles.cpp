@@ -41,7 +41,7 @@ int OpenFolder(const fs::path& folder) {
   return opened;
 }
 
-FileStamp StampOfFolder(int folder) {
+FileStamp StampOfOpened(int folder) {
   struct stat status {};
   return fstat(folder, &status) == 0 ? StampOf(status) : FileStamp{};
 }
@@ -58,12 +58,13 @@ bool IsSettled(const FileStamp& stamp, int64_t now) {
   return std::abs(now - stamp.modified) > tick;
 }
 
-// The exact time, unlike any other, so that no later change can look like none.
+// The exact time, unlike any other, so that no later change can look like none. Where we may not
+// set it (a folder of another user), the folder is walked again each time.
 FileStamp MarkFolder(int folder) {
   const int64_t now = Now();
   const timespec times[] = {{0, UTIME_OMIT}, {now / kSecond, now % kSecond}};
   if (futimens(folder, times) != 0) return {};
-  const FileStamp stamp = StampOfFolder(folder);
+  const FileStamp stamp = StampOfOpened(folder);
   return stamp.modified == now ? stamp : FileStamp{};
 }
 
@@ -155,7 +156,7 @@ void FolderFiles::LookAgain() {
 void FolderFiles::Walk() {
   const FileDescriptor folder(OpenFolder(folder_));
   // Taken before the walk: what changes during it is seen the next time.
-  const FileStamp stamp = StampOfFolder(folder.get());
+  const FileStamp stamp = StampOfOpened(folder.get());
   known_ = IsSettled(stamp, Now()) ? stamp : FileStamp{};
   ReadItems(folder.get());
   Arrange(folder.get());
@@ -230,11 +231,11 @@ void FolderFiles::Arrange(int folder) {
 // Our own change must not cost a walk, and must not hide one of another program: only when the
 // folder is as we know it before, what it is afterwards becomes known.
 void FolderFiles::ChangeFolder(int folder, const std::function<void()>& change) {
-  const bool is_in_step = StampOfFolder(folder) == known_;
+  const bool is_in_step = StampOfOpened(folder) == known_;
   change();
   if (!is_in_step) {
     known_ = {};
-  } else if (StampOfFolder(folder) != known_) {
+  } else if (StampOfOpened(folder) != known_) {
     known_ = MarkFolder(folder);
   }
 }
@@ -273,7 +274,7 @@ ItemFilePointer FolderFiles::Create(std::string_view uid, std::string_view exten
     std::optional<StagedFile> staged;
     ChangeFolder(folder.get(),
                  [&] { staged.emplace(folder_ / fresh_name(), content, Durability::kPowerLoss); });
-    file->stamp = StampOfFolder(staged->descriptor());
+    file->stamp = StampOfOpened(staged->descriptor());
     bool is_placed = faccessat(folder.get(), file->name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0;
     do {
       if (!is_placed) file->name = fresh_name();
@@ -310,7 +311,7 @@ FolderFiles::ReplaceOutcome FolderFiles::Replace(ItemFilePointer& file, std::str
     written->name = file->name;
     written->item_class = file->item_class;
     written->folder = file->folder;
-    written->stamp = StampOfFolder(staged->descriptor());
+    written->stamp = StampOfOpened(staged->descriptor());
     KeepContent(*written, std::move(content));
     Keep(written);
     file = written;
