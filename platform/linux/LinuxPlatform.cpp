@@ -13,12 +13,12 @@
 #include <filesystem>
 
 #include "desktop/filesystem/FileSystemObject.h"
+#include "desktop/locale/UserLocale.h"
 #include "desktop/opener/Opener.h"
 #include "desktop/outlook/objects/OutlookApplication.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/word/WordApplication.h"
 #include "desktop/xml/XmlDocuments.h"
-#include "platform/linux/UserLocale.h"
 
 namespace kestrelon {
 namespace {
@@ -92,9 +92,9 @@ int32_t LinuxPlatform::GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* b
   if (locale != kLocaleUserDefault) return 0;
   std::string text;
   if (type == kLocaleIdate) {
-    text = ShortDateOrder();
+    text = desktop::ShortDateOrder();
   } else if (type == kLocaleScurrency) {
-    text = ToAnsi(CurrencySymbol());
+    text = ToAnsi(desktop::CurrencySymbol());
   } else {
     return 0;
   }

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "platform/linux/UserLocale.h"
+#include "desktop/locale/UserLocale.h"
 
-namespace kestrelon {
+namespace kestrelon::desktop {
 namespace {
 
 TEST(OrderOfDateFormat, IsToldByTheFirstPartOfTheDate) {
@@ -20,4 +20,4 @@ TEST(OrderOfDateFormat, IsToldByTheFirstPartOfTheDate) {
 }
 
 }  // namespace
-}  // namespace kestrelon
+}  // namespace kestrelon::desktop

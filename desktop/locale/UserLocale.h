@@ -5,7 +5,7 @@
 
 #include "automation/Text.h"
 
-namespace kestrelon {
+namespace kestrelon::desktop {
 
 // "0" month-day-year, "1" day-month-year, "2" year-month-day; "1" when the user's locale is not
 // installed.
@@ -18,4 +18,4 @@ String CurrencySymbol();
 // The order of a date format of strftime ("%d/%m/%y").
 std::string OrderOfDateFormat(const std::string& format);
 
-}  // namespace kestrelon
+}  // namespace kestrelon::desktop

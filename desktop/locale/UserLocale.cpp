@@ -1,4 +1,4 @@
-#include "platform/linux/UserLocale.h"
+#include "desktop/locale/UserLocale.h"
 
 #include <langinfo.h>
 #include <locale.h>
@@ -8,7 +8,7 @@
 #include <memory>
 #include <type_traits>
 
-namespace kestrelon {
+namespace kestrelon::desktop {
 namespace {
 
 struct LocaleCloser {
@@ -81,4 +81,4 @@ String CurrencySymbol() {
   return Trim(symbol.empty() ? code : symbol);
 }
 
-}  // namespace kestrelon
+}  // namespace kestrelon::desktop
