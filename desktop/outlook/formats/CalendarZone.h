@@ -1,0 +1,28 @@
+// The time zones that calendar files name.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "automation/Date.h"
+
+namespace kestrelon::desktop {
+
+class CalendarZone {
+ public:
+  virtual ~CalendarZone() = default;
+  // Seconds since 1970 of a time of this zone.
+  virtual int64_t ToUnixTime(const DateParts& parts) const = 0;
+};
+
+// As a VTIMEZONE component describes it. nullptr for one that no program means seriously: what is
+// malformed, or changes its clocks by other rules than yearly ones.
+std::shared_ptr<const CalendarZone> DescribedZone(std::string_view vtimezone);
+
+// By name ("Europe/Berlin", also behind a prefix as in "/example.com/Europe/Berlin"). nullptr when
+// the system does not know it.
+std::shared_ptr<const CalendarZone> SystemZone(std::string_view name);
+
+}  // namespace kestrelon::desktop
