@@ -5,6 +5,7 @@
 #include <set>
 
 #include "desktop/outlook/formats/CalendarDocument.h"
+#include "desktop/outlook/formats/CalendarObject.h"
 #include "desktop/outlook/formats/ContentLines.h"
 
 namespace kestrelon::desktop {
@@ -38,16 +39,14 @@ class CalendarSplitter {
     std::vector<CalendarItem> items;
     std::map<std::string, size_t> by_uid;
     for (size_t line = calendar.begin + 1; line < calendar.end;) {
-      const std::string kind = lines_.Is(line, "BEGIN") ? UpperAscii(lines_.RawValue(line)) : "";
-      const auto component = kind == "VEVENT" || kind == "VTODO"
-                                 ? lines_.FindComponent(kind, calendar, line)
-                                 : std::nullopt;
+      const auto component = ItemAt(lines_, calendar, line);
       if (!component) {
         line = lines_.Next(line);
         continue;
       }
       const auto uid = lines_.Find("UID", *component);
       size_t place = items.size();
+      const std::string kind = UpperAscii(lines_.RawValue(line));
       if (uid) place = by_uid.emplace(kind + lines_.RawValue(*uid), place).first->second;
       if (place == items.size()) items.emplace_back();
       items[place].components.push_back(*component);
@@ -75,16 +74,15 @@ class CalendarSplitter {
     }
   }
 
-  // What the calendar says of all its items. How a file came and what it is called as a whole is
-  // not the items' own.
+  // What the calendar says of all its items, before the first of them. How a file came and what it
+  // is called as a whole is not the items' own.
   std::string HeadOf(const Component& calendar) const {
     std::string head = "BEGIN:VCALENDAR" + line_end_;
     bool has_version = false;
-    for (size_t line = calendar.begin + 1; line < calendar.end; line = lines_.Next(line)) {
+    for (size_t line = calendar.begin + 1; line < calendar.end; ++line) {
       const std::string name = UpperAscii(lines_.Name(line));
-      const bool is_kept = !name.empty() && name != "BEGIN" && name != "END" && name != "METHOD" &&
-                           !name.starts_with("X-WR-");
-      if (!is_kept) continue;
+      if (name == "BEGIN" || name == "END") break;
+      if (name.empty() || name == "METHOD" || name.starts_with("X-WR-")) continue;
       head += BytesOf({line, line});
       has_version = has_version || name == "VERSION";
     }

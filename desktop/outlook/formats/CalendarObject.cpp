@@ -16,6 +16,15 @@ std::string WithoutBlanks(const std::string& text) {
 
 }  // namespace
 
+std::optional<Component> ItemAt(const ContentLines& lines, const Component& within, size_t line) {
+  if (!lines.Is(line, "BEGIN")) return std::nullopt;
+  const std::string name = WithoutBlanks(lines.RawValue(line));
+  if (!EqualAscii(name, "VEVENT") && !EqualAscii(name, "VTODO")) return std::nullopt;
+  // Not a name that is folded: nobody takes that for a component.
+  const auto item = lines.FindComponent(name, within, line);
+  return item && item->begin == line ? item : std::nullopt;
+}
+
 String ReadCalendarText(std::string_view value) {
   const bool is_utf8 = ToUtf8(FromUtf8(value)) == value;
   return ReadText(is_utf8 ? value : std::string_view(ToUtf8(FromAnsi(value))));
@@ -29,15 +38,10 @@ CalendarObject::CalendarObject(std::string content) : lines_(std::move(content))
 
 // The first item of the file, or the series to which that is an exception.
 bool CalendarObject::FindItem() {
-  const auto is_item = [this](size_t line) {
-    if (!lines_.Is(line, "BEGIN")) return false;
-    const std::string name = WithoutBlanks(lines_.RawValue(line));
-    is_task_ = EqualAscii(name, "VTODO");
-    return is_task_ || EqualAscii(name, "VEVENT");
-  };
   size_t first = 0;
-  while (first < lines_.size() && !is_item(first)) ++first;
+  while (first < lines_.size() && !ItemAt(lines_, lines_.Whole(), first)) ++first;
   if (first == lines_.size()) return false;
+  is_task_ = EqualAscii(WithoutBlanks(lines_.RawValue(first)), "VTODO");
 
   calendar_ = lines_.Whole();
   for (auto each = lines_.FindComponent("VCALENDAR", calendar_); each && each->begin < first;

@@ -57,6 +57,9 @@ class CalendarObject {
   bool is_task_ = false;
 };
 
+// The appointment or task that begins at a line of `within`.
+std::optional<Component> ItemAt(const ContentLines& lines, const Component& within, size_t line);
+
 // A text of the file; what is not UTF-8 is read as Windows-1252.
 String ReadCalendarText(std::string_view value);
 
