@@ -298,16 +298,19 @@ size_t ContentLines::Next(size_t line) const {
   return at.kind == Line::Kind::kBegin && at.partner > 0 ? at.partner + 1 : line + 1;
 }
 
+bool ContentLines::IsBeginOf(size_t line, std::string_view name) const {
+  return lines_[line].kind == Line::Kind::kBegin && EqualAscii(ComponentName(line), name);
+}
+
 std::optional<Component> ContentLines::FindComponent(std::string_view name, const Component& within,
                                                      size_t from) const {
   for (size_t line = std::max(within.begin + 1, from); line < within.end;) {
-    if (lines_[line].kind != Line::Kind::kBegin) {
-      ++line;
-      continue;
-    }
-    if (EqualAscii(ComponentName(line), name)) {
-      const size_t end = lines_[line].partner > 0 ? lines_[line].partner : within.end;
-      return Component{line, end};
+    if (IsBeginOf(line, name)) {
+      if (lines_[line].partner > 0) return Component{line, lines_[line].partner};
+      // Without an END, it ends before the next one of its kind.
+      size_t end = line + 1;
+      while (end < within.end && !IsBeginOf(end, name)) end = Next(end);
+      return Component{line, std::min(end, within.end)};
     }
     line = Next(line);
   }
@@ -381,6 +384,7 @@ void ContentLines::MoveLines(size_t from, int64_t distance) {
 
 void ContentLines::ReplaceContent(size_t line, std::string_view content) {
   const Line old = lines_[line];
+  ++changes_;
   if (text_.size() + content.size() > kLongestText) throw AutomationError(kOutOfMemory);
   const size_t old_size = old.content_end - old.begin;
   text_.replace(old.begin, old_size, content);
@@ -410,6 +414,19 @@ void ContentLines::SetParameter(size_t line, std::string_view name, std::string_
   }
   header.replace(place, length, parameter);
   Replace(line, header + ":" + RawValue(line));
+}
+
+void ContentLines::RemoveParameters(size_t line, bool (*drop)(const Parameter&)) {
+  const std::vector<Parameter> parameters = Parameters(line);
+  std::string header = Unfold(lines_[line].begin, lines_[line].colon, false);
+  const std::vector<ParameterSpan> spans = FindParameters(header);
+  bool dropped = false;
+  for (size_t i = spans.size(); i-- > 0;) {
+    if (!drop(parameters[i])) continue;
+    header.erase(spans[i].begin, spans[i].end - spans[i].begin);
+    dropped = true;
+  }
+  if (dropped) Replace(line, header + ":" + RawValue(line));
 }
 
 void ContentLines::Insert(size_t before, std::string_view content) {
@@ -442,6 +459,7 @@ void ContentLines::Replace(size_t line, std::string_view content) {
 
 void ContentLines::Remove(size_t line) {
   const Line old = lines_[line];
+  ++changes_;
   text_.erase(old.begin, old.end - old.begin);
   lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(line));
   MoveLines(line, -static_cast<int64_t>(old.end - old.begin));
@@ -511,7 +529,11 @@ std::string UnescapeText(std::string_view text) {
 }
 
 String ReadText(std::string_view value) {
-  return ReplaceAll(FromUtf8(UnescapeText(value)), u"\n", u"\r\n");
+  String text = FromUtf8(UnescapeText(value));
+  if (text.find(u'\r') != String::npos) {
+    text = ReplaceAll(ReplaceAll(text, u"\r\n", u"\n"), u"\r", u"\n");
+  }
+  return text.find(u'\n') == String::npos ? text : ReplaceAll(text, u"\n", u"\r\n");
 }
 
 std::string WriteText(StringView text) { return EscapeText(ToUtf8(text)); }

@@ -37,6 +37,8 @@ class ContentLines {
 
   const std::string& text() const { return text_; }
   size_t size() const { return lines_.size(); }
+  // Grows with every edit.
+  uint64_t changes() const { return changes_; }
 
   // vCard 2.1: no line is folded on writing, except by soft line breaks in quoted-printable values,
   // and a fold in a file stands for the white space that it begins with.
@@ -71,6 +73,7 @@ class ContentLines {
   void SetRawValue(size_t line, std::string_view value);
   // Replaces one parameter, adds it behind the others, or removes it when `value` is "".
   void SetParameter(size_t line, std::string_view name, std::string_view value);
+  void RemoveParameters(size_t line, bool (*drop)(const Parameter&));
   // `content` is a whole line, unfolded and without a line end: before line `before`, or at the
   // end.
   void Insert(size_t before, std::string_view content);
@@ -100,6 +103,7 @@ class ContentLines {
   size_t WithoutLineEnd(size_t begin, size_t end) const;
   std::string Unfold(size_t begin, size_t end, bool quoted_printable) const;
   std::string_view ComponentName(size_t line) const;
+  bool IsBeginOf(size_t line, std::string_view name) const;
   void MatchComponents();
   std::string FoldHeader(std::string_view header) const;
   std::string Fold(std::string_view header, std::string_view value) const;
@@ -110,6 +114,7 @@ class ContentLines {
   std::vector<Line> lines_;
   std::string_view line_end_ = "\r\n";
   bool old_folding_ = false;
+  uint64_t changes_ = 0;
 };
 
 // The parameter of that name (capitals), or nullptr.

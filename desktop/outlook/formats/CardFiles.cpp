@@ -1,0 +1,72 @@
+// What is done with whole cards.
+#include "desktop/outlook/formats/Card.h"
+#include "desktop/outlook/formats/ContactDocument.h"
+
+namespace kestrelon::desktop {
+namespace {
+
+constexpr std::string_view kOwnLines = "X-KESTRELON-";
+
+bool IsOwnParameter(const Parameter& parameter) { return parameter.name.starts_with(kOwnLines); }
+
+bool StartsWith(std::string_view text, std::string_view start) {
+  return EqualAscii(text.substr(0, start.size()), start);
+}
+
+}  // namespace
+
+std::optional<ItemClass> ClassOfCard(std::string_view content) {
+  FileText file;
+  if (content.starts_with("\xFF\xFE") || content.starts_with("\xFE\xFF")) {
+    file = DecodeFile(std::string(content));
+    content = file.text;
+  }
+  if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
+  bool in_card = false;
+  bool is_list = false;
+  while (!content.empty()) {
+    const size_t end = std::min(content.find('\n'), content.size() - 1);
+    const std::string_view line = content.substr(0, end + 1);
+    content.remove_prefix(end + 1);
+    if (StartsWith(line, "BEGIN:VCARD")) in_card = true;
+    if (!in_card) continue;
+    if (StartsWith(line, "END:VCARD")) break;
+    if (StartsWith(line, "KIND:GROUP") || StartsWith(line, "X-ADDRESSBOOKSERVER-KIND:GROUP")) {
+      is_list = true;
+    }
+  }
+  if (!in_card) return std::nullopt;
+  return is_list ? ItemClass::kDistributionList : ItemClass::kContact;
+}
+
+std::vector<std::string> SplitCards(std::string_view content) {
+  FileText file = DecodeFile(std::string(content));
+  const ContentLines lines(std::move(file.text));
+  file.tail.clear();
+  std::vector<std::string> cards;
+  auto card = lines.FindComponent("VCARD", lines.Whole());
+  for (; card; card = lines.FindComponent("VCARD", lines.Whole(), card->end)) {
+    const bool closed = card->end < lines.size() && lines.Is(card->end, "END");
+    const size_t end = card->end + (closed ? 1 : 0);
+    cards.push_back(EncodeFile(file, lines.Bytes(card->begin, end)));
+  }
+  return cards;
+}
+
+std::string CardToSend(const ItemDocument& contact) {
+  FileText file = DecodeFile(contact.content());
+  ContentLines lines(std::move(file.text));
+  auto card = lines.FindComponent("VCARD", lines.Whole());
+  if (!card) return contact.content();
+  for (size_t line = card->end; --line > card->begin;) {
+    if (StartsWith(lines.Name(line), kOwnLines)) {
+      lines.Remove(line);
+      --card->end;
+    } else {
+      lines.RemoveParameters(line, IsOwnParameter);
+    }
+  }
+  return std::string(lines.Bytes(card->begin, std::min(card->end + 1, lines.size())));
+}
+
+}  // namespace kestrelon::desktop
