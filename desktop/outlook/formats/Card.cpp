@@ -32,12 +32,6 @@ struct ValueEncoding {
   bool IsPlain() const { return !quoted_printable && !base64 && charset.empty(); }
 };
 
-bool IsQuotedPrintable(std::string_view word) {
-  return EqualAscii(word, "QUOTED-PRINTABLE") || EqualAscii(word, "Q");
-}
-
-bool IsBase64(std::string_view word) { return EqualAscii(word, "BASE64") || EqualAscii(word, "B"); }
-
 bool IsEncoding(const Parameter& parameter) {
   if (parameter.name == "ENCODING" || parameter.name == "CHARSET") return true;
   const std::string& word = parameter.values.front();
@@ -48,15 +42,14 @@ bool IsEncoding(const Parameter& parameter) {
 ValueEncoding EncodingOf(const ContentLines& lines, size_t line) {
   ValueEncoding encoding;
   if (!lines.HasParameters(line)) return encoding;
+  encoding.quoted_printable = lines.IsQuotedPrintable(line);
   for (const Parameter& parameter : lines.Parameters(line)) {
     if (!IsEncoding(parameter)) continue;
     const std::string& value = parameter.values.front();
     if (parameter.name == "CHARSET") {
       encoding.charset = value;
-    } else if (IsQuotedPrintable(value)) {
-      encoding.quoted_printable = true;
-    } else if (IsBase64(value)) {
-      encoding.base64 = true;
+    } else if (EqualAscii(value, "BASE64") || EqualAscii(value, "B")) {
+      encoding.base64 = !encoding.quoted_printable;
     }
   }
   return encoding;

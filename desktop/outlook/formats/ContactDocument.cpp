@@ -362,8 +362,8 @@ NameParts Contact::GetNameParts() const {
   }
   const std::vector<std::string> components = card_.Components(*line);
   for (size_t i = 0; i < parts.size() && i < components.size(); ++i) {
-    // Several names of one kind.
-    if (components[i].find(',') == std::string::npos) {
+    // Several names of one kind, which vCard 2.1 does not have.
+    if (card_.version() == Card::Version::k21 || components[i].find(',') == std::string::npos) {
       parts[i] = ReadText(components[i]);
       continue;
     }

@@ -12,17 +12,13 @@ constexpr size_t kLongestText = 0x7FFFFFFF;
 constexpr size_t kLineLength = 75;  // octets, without the line end
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
 constexpr std::string_view kQuotedPrintable = "QUOTED-PRINTABLE";
+constexpr std::string_view kEncoding = "ENCODING=";
 // How many of the innermost open components an END is looked for in.
 constexpr size_t kDeepest = 16;
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-
-bool ContainsAscii(std::string_view text, std::string_view word) {
-  return std::search(text.begin(), text.end(), word.begin(), word.end(),
-                     [](char a, char b) { return Upper(a) == Upper(b); }) != text.end();
-}
 
 // Where a quoted-printable text may be broken at `at` or before: not inside "=XX", and so that the
 // next line is not taken for the END of the component.
@@ -67,6 +63,21 @@ std::vector<ParameterSpan> FindParameters(std::string_view header) {
     spans.push_back(span);
   }
   return spans;
+}
+
+bool IsQuotedPrintableHeader(std::string_view header) {
+  if (header.find_first_of("Qq") == std::string_view::npos) return false;
+  std::string unfolded(header);
+  for (size_t at; (at = unfolded.find('\n')) != std::string::npos;) {
+    const size_t begin = at > 0 && unfolded[at - 1] == '\r' ? at - 1 : at;
+    unfolded.erase(begin, at + 2 - begin);
+  }
+  for (const ParameterSpan& span : FindParameters(unfolded)) {
+    const std::string_view text(unfolded.data() + span.begin + 1, span.end - span.begin - 1);
+    const bool named = EqualAscii(text.substr(0, kEncoding.size()), kEncoding);
+    if (EqualAscii(text.substr(named ? kEncoding.size() : 0), kQuotedPrintable)) return true;
+  }
+  return false;
 }
 
 std::string UnescapeParameter(std::string_view value) {
@@ -161,7 +172,7 @@ ContentLines::Line ContentLines::ReadLine(size_t begin) const {
   if (line.colon == line.name_end || line.kind == Line::Kind::kOther) return line;
 
   const std::string_view header(text_.data() + line.name_end, line.colon - line.name_end);
-  line.quoted_printable = ContainsAscii(header, kQuotedPrintable);
+  line.quoted_printable = IsQuotedPrintableHeader(header);
   size_t content_end = line.content_end;
   while (line.quoted_printable && content_end > line.colon && text_[content_end - 1] == '=' &&
          end < text_.size() && !EqualAscii(std::string_view(text_).substr(end, 4), "END:")) {
@@ -351,7 +362,7 @@ std::string ContentLines::Fold(std::string_view header, std::string_view value) 
   out += ':';
   const size_t last_break = out.rfind('\n');
   size_t column = last_break == std::string::npos ? out.size() : out.size() - last_break - 1;
-  const bool soft = ContainsAscii(header, kQuotedPrintable);
+  const bool soft = IsQuotedPrintableHeader(header);
   if (old_folding_ && !soft) return out.append(value);
   while (column + value.size() > kLineLength) {
     size_t room = kLineLength > column ? kLineLength - column : 0;
@@ -417,6 +428,7 @@ void ContentLines::SetParameter(size_t line, std::string_view name, std::string_
 }
 
 void ContentLines::RemoveParameters(size_t line, bool (*drop)(const Parameter&)) {
+  if (!HasParameters(line)) return;
   const std::vector<Parameter> parameters = Parameters(line);
   std::string header = Unfold(lines_[line].begin, lines_[line].colon, false);
   const std::vector<ParameterSpan> spans = FindParameters(header);

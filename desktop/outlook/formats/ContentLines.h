@@ -62,6 +62,7 @@ class ContentLines {
   std::string_view Group(size_t line) const;  // "" for none
   bool HasParameters(size_t line) const;
   std::vector<Parameter> Parameters(size_t line) const;
+  bool IsQuotedPrintable(size_t line) const { return lines_[line].quoted_printable; }
   // Unfolded, escapes as they stand.
   std::string RawValue(size_t line) const;
   // The line's bytes with its folds and line end.
