@@ -39,19 +39,43 @@ bool IsEncoding(const Parameter& parameter) {
          (EqualAscii(word, "QUOTED-PRINTABLE") || EqualAscii(word, "BASE64"));
 }
 
+// Calls `visit` with the name and each value of every parameter.
+template <typename Visit>
+void VisitParameters(const ContentLines& lines, size_t line, Visit visit) {
+  if (!lines.HasParameters(line)) return;
+  const auto plain = lines.PlainParameters(line);
+  if (!plain) {
+    for (const Parameter& parameter : lines.Parameters(line)) {
+      for (const std::string& value : parameter.values) visit(parameter.name, value);
+    }
+    return;
+  }
+  for (size_t at = 1; at <= plain->size();) {
+    const size_t end = std::min(plain->find(';', at), plain->size());
+    std::string_view values = plain->substr(at, end - at);
+    const size_t equals = values.find('=');
+    const bool bare = equals == std::string_view::npos;
+    const std::string_view name = bare ? "" : values.substr(0, equals);
+    if (!bare) values.remove_prefix(equals + 1);
+    for (size_t start = 0; start <= values.size();) {
+      const size_t comma = std::min(values.find(',', start), values.size());
+      visit(name, values.substr(start, comma - start));
+      start = comma + 1;
+    }
+    at = end + 1;
+  }
+}
+
 ValueEncoding EncodingOf(const ContentLines& lines, size_t line) {
   ValueEncoding encoding;
-  if (!lines.HasParameters(line)) return encoding;
   encoding.quoted_printable = lines.IsQuotedPrintable(line);
-  for (const Parameter& parameter : lines.Parameters(line)) {
-    if (!IsEncoding(parameter)) continue;
-    const std::string& value = parameter.values.front();
-    if (parameter.name == "CHARSET") {
-      encoding.charset = value;
-    } else if (EqualAscii(value, "BASE64") || EqualAscii(value, "B")) {
+  VisitParameters(lines, line, [&](std::string_view name, std::string_view value) {
+    if (EqualAscii(name, "CHARSET")) encoding.charset = value;
+    if ((EqualAscii(name, "ENCODING") && EqualAscii(value, "B")) ||
+        ((EqualAscii(name, "ENCODING") || name.empty()) && EqualAscii(value, "BASE64"))) {
       encoding.base64 = !encoding.quoted_printable;
     }
-  }
+  });
   return encoding;
 }
 
@@ -61,12 +85,16 @@ int32_t ReadNumber(std::string_view text) {
   return number;
 }
 
+// `words` may be a list in quotes.
 void AddTypes(std::string_view words, LineTypes& types) {
-  for (const std::string& word : SplitEscaped(words, ',')) {
+  for (size_t at = 0; at <= words.size();) {
+    const size_t end = std::min(words.find(',', at), words.size());
+    const std::string_view word = words.substr(at, end - at);
     if (EqualAscii(word, "PREF")) types.preference = std::min(types.preference, 1);
     for (const auto& [name, type] : kTypeWords) {
       if (EqualAscii(word, name)) types.types |= type;
     }
+    at = end + 1;
   }
 }
 
@@ -229,15 +257,17 @@ void Card::RemoveParameters(size_t line, bool (*drop)(const Parameter&)) {
 
 LineTypes Card::TypesOf(size_t line) const {
   LineTypes types;
-  if (!lines_.HasParameters(line)) return types;
-  for (const Parameter& parameter : lines_.Parameters(line)) {
-    for (const std::string& value : parameter.values) {
-      if (parameter.name == "TYPE" || parameter.name.empty()) AddTypes(value, types);
+  VisitParameters(lines_, line, [&](std::string_view name, std::string_view value) {
+    if (name.empty() || EqualAscii(name, "TYPE")) {
+      AddTypes(value, types);
+    } else if (EqualAscii(name, "PREF")) {
+      const int32_t number = ReadNumber(value);
+      if (number >= 1 && number <= 100) types.preference = number;
+    } else if (EqualAscii(name, kSlot)) {
+      const int32_t number = ReadNumber(value);
+      if (number >= 1 && number <= kLastSlot) types.slot = number;
     }
-    const int32_t number = ReadNumber(parameter.values.front());
-    if (parameter.name == "PREF" && number >= 1 && number <= 100) types.preference = number;
-    if (parameter.name == kSlot && number >= 1 && number <= kLastSlot) types.slot = number;
-  }
+  });
   return types;
 }
 

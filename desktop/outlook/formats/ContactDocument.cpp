@@ -136,12 +136,12 @@ class Contact : public ItemDocument {
     return desktop::FindUserField(card_.lines(), card_.component(), name);
   }
   void PutUserField(const UserField& field) override {
-    Edit([&] {
+    Edit(false, [&] {
       card_.EditLines([&](auto& lines, auto& at) { desktop::PutUserField(lines, at, field); });
     });
   }
   void RemoveUserField(StringView name) override {
-    Edit([&] {
+    Edit(false, [&] {
       card_.EditLines([&](auto& lines, auto& at) { desktop::RemoveUserField(lines, at, name); });
     });
   }
@@ -178,12 +178,13 @@ class Contact : public ItemDocument {
   int32_t Sensitivity() const;
   int32_t MemberCount() const;
 
-  // An edit, and what it makes necessary elsewhere in the card.
+  // An edit, and what it makes necessary elsewhere in the card; `of_name` when it may change the
+  // name or what stands in for one.
   template <typename Change>
-  void Edit(Change change) {
+  void Edit(bool of_name, Change change) {
     const uint64_t before = card_.lines().changes();
-    const String name = card_.TextOf("FN");
-    const bool stood_in = IsStandIn(name);
+    const String name = of_name ? card_.TextOf("FN") : String();
+    const bool stood_in = of_name && IsStandIn(name);
     change();
     if (card_.lines().changes() == before) return;
     CompleteName(stood_in && card_.TextOf("FN") == name);
@@ -255,7 +256,10 @@ void Contact::Put(StringView name, const Value& value) {
   if (property.kind == Kind::kAddress || property.kind == Kind::kMemberCount) {
     throw AutomationError(kReadOnly, u"Property is read-only");
   }
-  Edit([&] {
+  const bool of_name = property.kind == Kind::kNamePart || property.kind == Kind::kFullName ||
+                       property.kind == Kind::kCompanyPart ||
+                       property.lines.names.front() == kEmails.names.front();
+  Edit(of_name, [&] {
     if (property.kind == Kind::kDate) {
       PutDay(property, value);
     } else if (property.kind == Kind::kSensitivity) {

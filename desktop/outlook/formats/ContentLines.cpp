@@ -245,6 +245,14 @@ std::vector<Parameter> ContentLines::Parameters(size_t line) const {
   return parameters;
 }
 
+std::optional<std::string_view> ContentLines::PlainParameters(size_t line) const {
+  const Line& at = lines_[line];
+  if (!HasParameters(line)) return std::string_view();
+  const std::string_view header(text_.data() + at.name_end, at.colon - at.name_end);
+  if (header.find_first_of("\"^\n") != std::string_view::npos) return std::nullopt;
+  return header;
+}
+
 std::string ContentLines::RawValue(size_t line) const {
   const Line& at = lines_[line];
   const size_t value = std::min(at.colon + 1, at.content_end);

@@ -62,6 +62,9 @@ class ContentLines {
   std::string_view Group(size_t line) const;  // "" for none
   bool HasParameters(size_t line) const;
   std::vector<Parameter> Parameters(size_t line) const;
+  // ";name=value…" as it stands, when there are no folds, quotes or ^-escapes in it; nullopt
+  // otherwise. It spares the copies of Parameters().
+  std::optional<std::string_view> PlainParameters(size_t line) const;
   bool IsQuotedPrintable(size_t line) const { return lines_[line].quoted_printable; }
   // Unfolded, escapes as they stand.
   std::string RawValue(size_t line) const;
