@@ -42,6 +42,12 @@ size_t FindColon(std::string_view text, size_t from, size_t end) {
   return quoted_colon;
 }
 
+// A quote that nothing closes is no quote, and must not meet one in a new value.
+std::string WithoutStrayQuote(std::string header) {
+  if (std::count(header.begin(), header.end(), '"') % 2 == 1) header.erase(header.rfind('"'), 1);
+  return header;
+}
+
 // The place of a parameter in the header of a line: from its semicolon to its end.
 struct ParameterSpan {
   size_t begin;
@@ -72,6 +78,7 @@ bool IsQuotedPrintableHeader(std::string_view header) {
     const size_t begin = at > 0 && unfolded[at - 1] == '\r' ? at - 1 : at;
     unfolded.erase(begin, at + 2 - begin);
   }
+  unfolded = WithoutStrayQuote(std::move(unfolded));
   for (const ParameterSpan& span : FindParameters(unfolded)) {
     const std::string_view text(unfolded.data() + span.begin + 1, span.end - span.begin - 1);
     const bool named = EqualAscii(text.substr(0, kEncoding.size()), kEncoding);
@@ -234,7 +241,8 @@ bool ContentLines::HasParameters(size_t line) const {
 std::vector<Parameter> ContentLines::Parameters(size_t line) const {
   std::vector<Parameter> parameters;
   if (!HasParameters(line)) return parameters;
-  const std::string header = Unfold(lines_[line].name_end, lines_[line].colon, false);
+  const std::string header =
+      WithoutStrayQuote(Unfold(lines_[line].name_end, lines_[line].colon, false));
   const std::string_view view = header;
   for (const ParameterSpan& span : FindParameters(view)) {
     const bool bare = span.name_end == std::string_view::npos;
@@ -414,12 +422,12 @@ void ContentLines::ReplaceContent(size_t line, std::string_view content) {
 
 void ContentLines::SetRawValue(size_t line, std::string_view value) {
   const Line& at = lines_[line];
-  const std::string header = text_.substr(at.begin, at.colon - at.begin);
+  const std::string header = WithoutStrayQuote(text_.substr(at.begin, at.colon - at.begin));
   ReplaceContent(line, Fold(header, value));
 }
 
 void ContentLines::SetParameter(size_t line, std::string_view name, std::string_view value) {
-  std::string header = Unfold(lines_[line].begin, lines_[line].colon, false);
+  std::string header = WithoutStrayQuote(Unfold(lines_[line].begin, lines_[line].colon, false));
   const std::string parameter = value.empty() ? "" : FormatParameter(name, value);
   size_t place = header.size();
   size_t length = 0;
@@ -438,7 +446,7 @@ void ContentLines::SetParameter(size_t line, std::string_view name, std::string_
 void ContentLines::RemoveParameters(size_t line, bool (*drop)(const Parameter&)) {
   if (!HasParameters(line)) return;
   const std::vector<Parameter> parameters = Parameters(line);
-  std::string header = Unfold(lines_[line].begin, lines_[line].colon, false);
+  std::string header = WithoutStrayQuote(Unfold(lines_[line].begin, lines_[line].colon, false));
   const std::vector<ParameterSpan> spans = FindParameters(header);
   bool dropped = false;
   for (size_t i = spans.size(); i-- > 0;) {
