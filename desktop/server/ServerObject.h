@@ -89,6 +89,8 @@ class MemberTable {
     if (found == members_.end()) throw AutomationError(kMemberNotFound);
     return found->second;
   }
+  // `name` as FoldMemberName gives it.
+  bool Has(StringView name) const { return members_.contains(name); }
   StringView type_name() const { return type_name_; }
 
  private:
