@@ -1,5 +1,6 @@
 #include "desktop/outlook/mail/Attachments.h"
 
+#include "desktop/outlook/formats/OutlookErrors.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"
 
@@ -50,11 +51,7 @@ std::unique_ptr<Enumerator> Attachments::Enumerate() {
 Value Attachments::GetCount() { return static_cast<int64_t>(attachments_.size()); }
 
 Value Attachments::Item(const MethodArguments& arguments) {
-  const int32_t index = arguments.Require(0).ToLong();
-  if (index < 1 || static_cast<size_t>(index) > attachments_.size()) {
-    throw AutomationError(kSubscriptOutOfRange);
-  }
-  return Object(attachments_[static_cast<size_t>(index) - 1]);
+  return Object(attachments_[PlaceInCollection(arguments.Require(0), attachments_.size())]);
 }
 
 // The position counts characters of a rich text, which these mails do not have.

@@ -38,6 +38,9 @@ class Attachments final : public ServerObject<Attachments> {
   std::unique_ptr<Enumerator> Enumerate() override;
 
   const std::vector<std::shared_ptr<Attachment>>& all() const { return attachments_; }
+  void Append(std::shared_ptr<Attachment> attachment) {
+    attachments_.push_back(std::move(attachment));
+  }
 
  private:
   Value GetCount();

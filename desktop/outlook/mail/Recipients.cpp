@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "desktop/outlook/formats/OutlookErrors.h"
+
 namespace kestrelon::desktop {
 namespace {
 
@@ -27,8 +29,8 @@ String WithoutQuotes(const String& name) {
 
 }  // namespace
 
-Recipient::Recipient(StringView text, RecipientType type)
-    : text_(Trim(text)), name_(text_), type_(type) {
+Recipient::Recipient(StringView text, RecipientType type, KnowsUser knows_user)
+    : text_(Trim(text)), name_(text_), type_(type), knows_user_(knows_user) {
   if (IsAddress(text_)) {
     address_ = text_;
     return;
@@ -52,6 +54,10 @@ const MemberTable<Recipient>& Recipient::Members() {
           .Property(u"Type", &Recipient::GetType, &Recipient::PutType)
           .Method(u"Resolve", &Recipient::Resolve);
   return table;
+}
+
+Value Recipient::GetResolved() {
+  return !address_.empty() || (knows_user_ != nullptr && knows_user_(name_));
 }
 
 void Recipient::PutType(const Value& value) {
@@ -94,11 +100,7 @@ void Recipients::Replace(RecipientType type, StringView text) {
 Value Recipients::GetCount() { return static_cast<int64_t>(recipients_.size()); }
 
 Value Recipients::Item(const MethodArguments& arguments) {
-  const int32_t index = arguments.Require(0).ToLong();
-  if (index < 1 || static_cast<size_t>(index) > recipients_.size()) {
-    throw AutomationError(kSubscriptOutOfRange);
-  }
-  return Object(recipients_[static_cast<size_t>(index) - 1]);
+  return Object(recipients_[PlaceInCollection(arguments.Require(0), recipients_.size())]);
 }
 
 // A list of addresses is as many recipients; the first is given back.

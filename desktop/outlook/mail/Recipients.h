@@ -9,23 +9,26 @@ namespace kestrelon::desktop {
 
 enum class RecipientType : int32_t { kTo = 1, kCc = 2, kBcc = 3 };
 
-// A recipient as the caller named it: "a@b", "Name <a@b>", or a text that is no address, which
-// stays unresolved and goes into the mail as a name for the user to replace.
+// A recipient as the caller named it: "a@b", "Name <a@b>", or a text that is no address. That one
+// is resolved only when it is a name that the mailbox knows; it goes into the mail as a name for
+// the user to replace.
 class Recipient final : public ServerObject<Recipient> {
  public:
-  Recipient(StringView text, RecipientType type);
+  using KnowsUser = bool (*)(StringView name);
+  // `knows_user` is asked for names without an address.
+  Recipient(StringView text, RecipientType type, KnowsUser knows_user = nullptr);
 
   static const MemberTable<Recipient>& Members();
 
   const String& text() const { return text_; }
   const String& name() const { return name_; }
-  const String& address() const { return address_; }  // "" when unresolved
+  const String& address() const { return address_; }  // "" for a name alone
   RecipientType type() const { return type_; }
 
  private:
   Value GetName() { return name_; }
   Value GetAddress() { return address_; }
-  Value GetResolved() { return !address_.empty(); }
+  Value GetResolved();
   Value GetType() { return static_cast<int32_t>(type_); }
   void PutType(const Value& value);
   Value Resolve(const MethodArguments&) { return GetResolved(); }
@@ -34,6 +37,7 @@ class Recipient final : public ServerObject<Recipient> {
   String name_;
   String address_;
   RecipientType type_;
+  KnowsUser knows_user_;
 };
 
 // Counts from 1.
