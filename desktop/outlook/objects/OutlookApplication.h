@@ -1,6 +1,13 @@
 // "Outlook.Application": one Outlook for the process, over a mailbox folder in standard formats.
 //
-// A mail that is displayed or saved is an unsent draft, an .eml file in the mailbox's Drafts.
+//   Application - Explorer - Selection
+//        |
+//    NameSpace - Folder - Folders
+//                   |
+//                 Items - Item - UserProperties, ItemProperties
+//
+// An Item lies in the mailbox, or will when it is saved; a MailItem is a mail being written, an
+// unsent draft in Drafts.
 #pragma once
 
 #include "automation/DispatchObject.h"
@@ -10,7 +17,7 @@ namespace kestrelon::desktop {
 // Starts Outlook, or gives the one that runs.
 Object CreateOutlookApplication();
 
-// The Outlook that this process has started; Nothing before that.
+// The Outlook that the user has open or that this process has started; Nothing without either.
 Object RunningOutlookApplication();
 
 }  // namespace kestrelon::desktop
