@@ -70,16 +70,4 @@ String NewEntryId() {
   return id;
 }
 
-fs::path WriteDraft(StringView entry_id, std::string_view message) {
-  const fs::path folder = MailboxFolder() / "Drafts";
-  const fs::path path = folder / (ToUtf8(entry_id) + ".eml");
-  try {
-    MakeFolder(folder);
-    WriteFileAtomically(path, message, Durability::kPowerLoss);
-  } catch (const AutomationError& error) {
-    throw SavingError(error, u"The mail", folder);
-  }
-  return path;
-}
-
 }  // namespace kestrelon::desktop

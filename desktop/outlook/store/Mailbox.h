@@ -1,7 +1,7 @@
 // The folder that holds the user's mailbox.
 //
-// $KESTRELON_MAILBOX, else kestrelon/mailbox in $XDG_DATA_HOME (~/.local/share). Drafts are the
-// files Drafts/ENTRYID.eml. Folders are created on first use, for the user alone.
+// $KESTRELON_MAILBOX, else kestrelon/mailbox in $XDG_DATA_HOME (~/.local/share). Folders are
+// created on first use, for the user alone.
 #pragma once
 
 #include <filesystem>
@@ -28,9 +28,5 @@ inline constexpr const char* kSharedFolder = "Shared";
 
 // 32 random hexadecimal digits.
 String NewEntryId();
-
-// Writes or replaces a draft, safe against a power loss; the path of its file. The errors
-// of desktop/storage, with the folder and what to do in the description.
-std::filesystem::path WriteDraft(StringView entry_id, std::string_view message);
 
 }  // namespace kestrelon::desktop
