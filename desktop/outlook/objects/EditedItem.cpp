@@ -81,7 +81,7 @@ void EditedItem::Record(Change change) {
   document();
   if (file_ && changes_.empty()) content_ = document_->content();
   change.Make(*document_);
-  changes_.push_back(std::move(change));
+  if (file_) changes_.push_back(std::move(change));
 }
 
 void EditedItem::Put(StringView property, const Value& value) {
@@ -119,7 +119,6 @@ void EditedItem::SaveNew() {
       item_class == ItemClass::kContact || item_class == ItemClass::kDistributionList;
   file_ = folder_->files()->Create(document_->Uid(), is_card ? ".vcf" : ".ics", item_class,
                                    document_->content());
-  changes_.clear();
 }
 
 void EditedItem::Merge(const ItemFilePointer& current) {

@@ -66,8 +66,8 @@ class EditedItem final : public UserFieldOwner {
   MailFolderPointer folder_;
   ItemFilePointer file_;
   std::unique_ptr<ItemDocument> document_;
-  std::string content_;  // as it was before the changes; kept while there are any
-  std::vector<Change> changes_;
+  std::string content_;          // as it was before the changes; kept while there are any
+  std::vector<Change> changes_;  // of a stored item, since the last Save
   bool is_deleted_ = false;
 };
 
