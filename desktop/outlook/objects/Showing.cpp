@@ -8,9 +8,8 @@ namespace kestrelon::desktop {
 
 void ShowFile(const std::filesystem::path& file) {
   if (OpenForUser(file.string()) != OpenOutcome::kCannotStart) return;
-  throw AutomationError(kFileNotFound, u"The item is saved as \"" + TextFromPath(file) +
-                                           u"\", but the program that shows it cannot be started. "
-                                           u"Check KESTRELON_OPENER.");
+  throw AutomationError(kFileNotFound, u"The program that shows \"" + TextFromPath(file) +
+                                           u"\" cannot be started. Check KESTRELON_OPENER.");
 }
 
 void ShowCopy(const String& title, std::string_view extension, std::string_view content) {
@@ -20,8 +19,8 @@ void ShowCopy(const String& title, std::string_view extension, std::string_view 
   const std::filesystem::path file =
       folder.path() / (ToUtf8(name.empty() ? u"Untitled" : name) + std::string(extension));
   WriteFileAtomically(file, content);
-  folder.Keep();
   ShowFile(file);
+  folder.Keep();
 }
 
 String FileNameFrom(StringView text) {
