@@ -17,7 +17,6 @@ namespace kestrelon::desktop {
 namespace {
 
 constexpr size_t kKeptInMemory = size_t{16} << 10;
-constexpr int64_t kLargestItem = int64_t{64} << 20;
 
 bool EndsIn(std::string_view name, std::string_view extension) {
   if (name.size() <= extension.size()) return false;
@@ -63,7 +62,7 @@ FileStamp StampOf(const struct stat& status) {
 }
 
 std::string ItemFile::Content() const {
-  return is_kept ? kept_content : ReadWholeFile(*folder / name, kLargestItem);
+  return is_kept ? kept_content : ReadWholeFile(*folder / name);
 }
 
 bool IsItemName(std::string_view name) {
@@ -83,7 +82,8 @@ ItemFilePointer ReadItemFile(int folder, const std::shared_ptr<const std::filesy
   const FileDescriptor file(openat(folder, name.c_str(), kFlags));
   struct stat status {};
   if (file.get() < 0 || fstat(file.get(), &status) != 0) return nullptr;
-  if (!S_ISREG(status.st_mode) || status.st_size > kLargestItem) return nullptr;
+  if (!S_ISREG(status.st_mode)) return nullptr;
+  if (!IsMail(name) && status.st_size > kLargestCardOrEvent) return nullptr;
   std::string content;
   if (!IsMail(name)) {
     std::optional<std::string> read = ReadBytes(file.get(), static_cast<size_t>(status.st_size));

@@ -49,8 +49,11 @@ bool IsItemName(std::string_view name);
 // `content` is kept when it is small.
 void KeepContent(ItemFile& file, std::string content);
 
+// In bytes. Mails, with their attachments, may be larger.
+inline constexpr int64_t kLargestCardOrEvent = int64_t{64} << 20;
+
 // Reads the file `name` in the opened `folder`. nullptr when it is not there, may not be read, is
-// larger than 64 MiB, or is no item.
+// too large, or is no item.
 ItemFilePointer ReadItemFile(int folder, const std::shared_ptr<const std::filesystem::path>& path,
                              const std::string& name);
 

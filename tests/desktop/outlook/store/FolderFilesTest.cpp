@@ -91,8 +91,8 @@ TEST_F(FolderFilesTest, OnlyWholeFilesOfItemsCount) {
   WriteAsOther("big.vcf", CardOf("big", picture));
   WriteAsOther("mail.EML", "Subject: x\r\n\r\n");
   for (const char* name : {"text.vcf", ".hidden.vcf", "card.txt", ".vcf"}) WriteAsOther(name, "x");
-  WriteAsOther("huge.eml", "x");
-  fs::resize_file(path_ / "huge.eml", size_t{65} << 20);
+  WriteAsOther("huge.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:x\r\nEND:VCARD\r\n");
+  fs::resize_file(path_ / "huge.vcf", size_t{65} << 20);
   fs::create_directory(path_ / "folder.vcf");
   ASSERT_EQ(mkfifo((path_ / "pipe.vcf").c_str(), 0600), 0);
   fs::create_symlink("nowhere", path_ / "dangling.vcf");
@@ -103,7 +103,7 @@ TEST_F(FolderFilesTest, OnlyWholeFilesOfItemsCount) {
   EXPECT_EQ(files_.Find("mail.EML")->item_class, ItemClass::kMail);
   EXPECT_EQ(files_.Find("mail.EML")->Content(), "Subject: x\r\n\r\n");
   FolderFiles unread(path_);
-  for (const char* name : {"text.vcf", "../x.vcf", "huge.eml", "pipe.vcf", "", "folder.vcf"}) {
+  for (const char* name : {"text.vcf", "../x.vcf", "huge.vcf", "pipe.vcf", "", "folder.vcf"}) {
     EXPECT_EQ(unread.Find(name), nullptr) << name;
     EXPECT_EQ(files_.Find(name), nullptr) << name;
   }
