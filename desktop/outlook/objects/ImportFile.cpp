@@ -117,7 +117,9 @@ std::vector<FoundItem> ImportItems(StringView path) {
   const std::string content = ReadSource(source, path);
   std::vector<NewFile> files;
   for (std::string& part : format->split(content)) {
-    const auto document = format->read(part);
+    const bool is_too_large =
+        format->read != &ReadMail && part.size() > static_cast<size_t>(kLargestCardOrEvent);
+    const auto document = is_too_large ? nullptr : format->read(part);
     if (document == nullptr) {
       throw CannotImport(
           path, u"part " + FromUtf8(std::to_string(files.size() + 1)) + u" of it cannot be read");
