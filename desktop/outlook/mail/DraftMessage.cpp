@@ -138,6 +138,12 @@ Owned<GMimeObject> AttachmentPart(const Attachment& attachment) {
   GMimePart* part = g_mime_part_new_with_type(media_type.type, media_type.subtype);
   Owned<GMimeObject> owned(GMIME_OBJECT(part));
   SetContent(part, attachment.content(), GMIME_CONTENT_ENCODING_BASE64);
+  // Readers take a text of no character set for ASCII.
+  const std::string& content = attachment.content();
+  if (media_type.type == std::string_view("text") &&
+      g_utf8_validate(content.data(), static_cast<gssize>(content.size()), nullptr) != 0) {
+    g_mime_object_set_content_type_parameter(owned.get(), "charset", kUtf8);
+  }
   g_mime_object_set_disposition(owned.get(), GMIME_DISPOSITION_ATTACHMENT);
   SetFileName(part, attachment.file_name());
   return owned;
