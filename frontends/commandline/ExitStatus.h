@@ -8,6 +8,7 @@ namespace kestrelon::commandline {
 enum ExitStatus {
   kSuccess = 0,
   kInternalError = 1,
+  kFailed = 1,  // what could not be done was told on stderr
   kBadCommandLine = 2,
   kMemberFailed = 3,  // the member raised an error to its caller
 };

@@ -9,6 +9,7 @@
 
 #include "frontends/commandline/CallCommand.h"
 #include "frontends/commandline/ExitStatus.h"
+#include "frontends/commandline/MailboxOptions.h"
 #include "frontends/commandline/MembersCommand.h"
 #include "frontends/commandline/Session.h"
 #include "platform/TracingPlatform.h"
@@ -75,6 +76,9 @@ int Run(int argc, char** argv) {
   CLI::App* session =
       app.add_subcommand("session", "Call many members on one control: JSON lines in and out");
 
+  MailboxRequest mailbox_request;
+  CLI::App* const mailbox = AddMailboxCommand(app, mailbox_request);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -83,6 +87,9 @@ int Run(int argc, char** argv) {
   if (session->parsed()) return RunSession(trace_path);
   Desktop desktop(ShowMessageOnTerminal, trace_path);
   if (members->parsed()) return PrintMembers(std::cout, json);
+  if (mailbox->parsed()) {
+    return RunMailboxCommand(desktop.platform(), mailbox_request, std::cout, std::cerr);
+  }
   request.trace = desktop.trace();
   return CallMember(desktop.platform(), request, std::cout, std::cerr);
 }
