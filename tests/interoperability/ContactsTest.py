@@ -1,0 +1,224 @@
+"""Contacts: what members write, khard and vobject read; what those and others write, members read."""
+
+import unittest
+
+import vobject
+
+from World import World, record
+
+FIELDS = {
+    "ACCOUNT_NAME": "Käse & Söhne; GmbH, 王", "TITLE": "Dr", "FIRSTNAME": "Zoë",
+    "MIDDLENAME": "Ana, Maria", "LASTNAME": "Müller; Peña", "JOBTITLE": "Leiterin \\ Einkauf",
+    "DEPARTMENT": "Einkauf, Süd", "BUSINESSADDRESSSTREET": "Hauptstr. 1",
+    "BUSINESSADDRESSSTREET2": "2. Stock; links", "BUSINESSADDRESSSTREET3": "Tür 3",
+    "BUSINESSADDRESSCITY": "Köln", "BUSINESSADDRESSSTATE": "NRW",
+    "BUSINESSADDRESSPOSTALCODE": "50667", "BUSINESSADDRESSCOUNTRY": "Deutschland",
+    "BUSINESSTELEPHONENUMBER": "+49 221 1", "BUSINESSFAXNUMBER": "+49 221 2",
+    "BUSINESSHOMEPAGE": "https://example.com/käse?a=1&b=%20", "HOMEADDRESSSTREET": "Nebenweg 2",
+    "HOMEADDRESSSTREET2": "Hof", "HOMEADDRESSSTREET3": "Rückseite", "HOMEADDRESSCITY": "Bonn",
+    "HOMEADDRESSSTATE": "Rhein", "HOMEADDRESSPOSTALCODE": "53111",
+    "HOMEADDRESSCOUNTRY": "Allemagne", "HOMETELEPHONENUMBER": "+49 228 3",
+    "HOMEFAXNUMBER": "+49 228 4", "EMAIL1ADDRESS": "zoe@example.com",
+    "EMAIL2ADDRESS": "zm@example.org", "EMAIL3ADDRESS": "z@example.net",
+    "MOBILETELEPHONENUMBER": "+49 170 5", "HOBBY": "Segeln, 書道 " * 20 + "Ende",
+    "NICKNAME": "Zo", "SPOUSE": "Élodie", "MANAGERNAME": "Åsa Ek", "REFERREDBY": "Jürgen",
+    "ASSISTANTNAME": "Łukasz", "ASSISTANTTELEPHONENUMBER": "+49 221 6",
+}
+
+CARD_21 = """BEGIN:VCARD
+VERSION:2.1
+X-FIRST;FOO=bar:kept; as it is
+N;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:M=FCller;J=FCrgen
+FN;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:J=FCrgen M=FCller
+TEL;WORK;VOICE:+49 30 1
+TEL;CELL:+49 170 2
+TEL;PAGER:+49 30 9
+ADR;WORK;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:;;Hauptstra=C3=9Fe 1=0D=0AHinterhaus=
+;K=C3=B6ln;;50667;Deutschland
+EMAIL;INTERNET;PREF:jm@example.com
+NOTE;ENCODING=QUOTED-PRINTABLE:Zeile eins=0D=0A=
+Zeile zwei
+PHOTO;ENCODING=BASE64;TYPE=JPEG:
+ /9j/4AAQ
+ SkZJRg==
+
+END:VCARD
+""".replace("\n", "\r\n").encode()
+
+# Bare line feeds, folded words, groups, several of everything.
+CARD_40 = ("BEGIN:VCARD\nVERSION:4.0\nUID:urn:uuid:4fbe8971-0bc3-424c-9c26-36c3e1eff6b1\n"
+           "KIND:individual\nFN:Jürgen Müller\nN:Müller;Jürgen;;;\nGENDER:M;oui\n"
+           "item1.TEL;VALUE=uri;TYPE=\"work,voice\":tel:+49-30-1\nitem1.X-ABLabel:Büro\n"
+           "TEL;VALUE=uri;TYPE=cell;PREF=1:tel:+49-170-2\nTEL;TYPE=pager:+49 30 9\n"
+           "ADR;TYPE=work;LABEL=\"Hauptstraße 1\\nKöln\":;;Hauptstraße 1;Köln;;50667;Deutschl\n"
+           " and\nADR;TYPE=home:;;Nebenweg 2;Bonn;;53111;\nADR;X-KIND=summer:;;Strand 3;Sylt;;;\n"
+           "EMAIL;PREF=1:jm@example.com\nEMAIL;TYPE=home:j@example.net\n"
+           "NOTE:Zeile eins\\nZeile zwei\\, lan\n g genug\nX-UNKNOWN;X-P=\"a:b\";X-Q=^n:c\\;d\nIMPP:xmpp:jm@example.com\n"
+           "CLIENTPIDMAP:1;urn:uuid:53e374d9-337e-4727-8803-a1e9c14e0556\nBDAY:19710402\n"
+           "END:VCARD\n").encode()
+
+KHARD_CARD = """First name: Jürgen
+Last name: Müller
+Organisation:
+  - Käse & Co
+  - Einkauf
+Phone:
+  work,voice: "+49 30 1"
+  cell: "+49 170 2"
+  pager: "+49 30 9"
+Email:
+  work: jm@example.com
+  home: j@example.net
+Address:
+  work:
+    Street: |
+      Hauptstraße 1
+      Hinterhaus
+    City: Köln
+    Code: "50667"
+    Country: Deutschland
+Note: |
+  Zeile eins
+  Zeile zwei
+Categories: Freunde
+Birthday: 1971-04-02
+"""
+
+# What an export rewrites in a card.
+CONCERNED = (rb"(item1\.)?(N|FN|ORG|TITLE|ADR;(TYPE=)?(work|home)|TEL;([^:]*)(work|cell|home|voice|fax)"
+             rb"|EMAIL|URL|NICKNAME|REV|X-KESTRELON|X-SPOUSE|X-MANAGER|X-ASSISTANT)[^A-Z]")
+
+
+class Written(World):
+    def setUp(self):
+        super().setUp()
+        self.export(record("{4711-Ä}", **FIELDS))
+        self.path = self.only_file("Contacts", ".vcf")
+
+    def test_every_field_is_read_by_vobject(self):
+        content = self.path.read_bytes()
+        for line in content.split(b"\r\n"):
+            self.assertLessEqual(len(line), 75)
+            line.decode()  # no character is cut in two
+        card = vobject.readOne(content.decode())
+        name = card.n.value
+        self.assertEqual((name.prefix, name.given, name.additional, name.family),
+                         ("Dr", "Zoë", "Ana, Maria", "Müller; Peña"))
+        for part in ("Zoë", "Müller; Peña"):
+            self.assertIn(part, card.fn.value)
+        self.assertEqual(card.org.value, ["Käse & Söhne; GmbH, 王", "Einkauf, Süd"])
+        self.assertEqual(card.title.value, "Leiterin \\ Einkauf")
+        self.assertEqual([line.value for line in card.email_list],
+                         ["zoe@example.com", "zm@example.org", "z@example.net"])
+        self.assertIn("https://example.com/käse?a=1&b=%20", [line.value for line in card.url_list])
+        self.assertEqual(card.nickname.value, "Zo")
+        values = [line.value for line in card.getChildren()]
+        for field in ("HOBBY", "SPOUSE", "MANAGERNAME", "REFERREDBY", "ASSISTANTNAME",
+                      "ASSISTANTTELEPHONENUMBER"):
+            self.assertIn(FIELDS[field], values)
+
+        def typed(lines, *types):
+            return [line.value for line in lines
+                    if {t.lower() for t in line.params.get("TYPE", [])} >= set(types)]
+        (work,), (home,) = typed(card.adr_list, "work"), typed(card.adr_list, "home")
+        self.assertEqual([work.street, work.city, work.region, work.code, work.country],
+                         ["Hauptstr. 1\n2. Stock; links\nTür 3", "Köln", "NRW", "50667",
+                          "Deutschland"])
+        self.assertEqual([home.street, home.city, home.region, home.code, home.country],
+                         ["Nebenweg 2\nHof\nRückseite", "Bonn", "Rhein", "53111", "Allemagne"])
+        self.assertEqual(typed(card.tel_list, "work", "fax"), ["+49 221 2"])
+        self.assertEqual(typed(card.tel_list, "home", "fax"), ["+49 228 4"])
+        self.assertEqual(typed(card.tel_list, "cell"), ["+49 170 5"])
+        self.assertIn("+49 221 1", typed(card.tel_list, "work"))
+        self.assertIn("+49 228 3", typed(card.tel_list, "home"))
+        stamps = {line.params["X-NAME"][0]: line.value
+                  for line in card.contents["x-kestrelon-property"]}
+        self.assertEqual(stamps, {"KESTID": "{4711-Ä}", "Kestrelon": "true"})
+
+    def test_khard_shows_it(self):
+        shown = self.khard("show", "Zoë")
+        for text in ("Zoë", "Käse & Söhne", "Hauptstr. 1", "2. Stock; links", "50667 Köln",
+                     "Bonn", "+49 221 1", "+49 170 5", "zm@example.org", "Leiterin \\ Einkauf"):
+            self.assertIn(text, shown)
+        self.assertIn("+49 170 5", self.khard("phone", "--parsable", "zoe@example.com"))
+
+
+class Read(World):
+    def read_and_overwrite(self, street, phone="+49 30 1"):
+        """What the one card in the folder is for the page, and what an export leaves of it."""
+        path = self.only_file("Contacts", ".vcf")
+        before = path.read_bytes()
+        ids = self.pairs("GetFolderContactItems", foldertosearch="")
+        self.assertEqual(list(ids), ["Jürgen Müller"])
+        fields = self.member("ImportContact", foldername="",
+                             contactname=ids["Jürgen Müller"]).split("#~")
+        self.assertEqual(fields[1:3], ["Jürgen", "Müller"])
+        self.assertEqual([fields[5], fields[6], fields[8]], ["jm@example.com", phone, fields[8]])
+        self.assertEqual(fields[8].replace("-", " "), "+49 170 2")
+        self.assertEqual(fields[9:14], [*street, "", "Köln", "50667"])
+
+        self.assertEqual(self.member("SetImportID", strItemID="77", strEntryID=ids["Jürgen Müller"],
+                                     strItemType="contact"), "")
+        stamped = path.read_bytes()
+        self.assert_untouched(before, stamped, rb"REV[:;]")
+        self.export(record("{9}", FIRSTNAME="Jürgen", LASTNAME="Müller", MIDDLENAME="K.",
+                           EMAIL1ADDRESS="jm@example.com", BUSINESSTELEPHONENUMBER="+49 30 77",
+                           BUSINESSADDRESSCITY="Mainz"))
+        self.assertEqual(self.only_file("Contacts", ".vcf"), path, "it was matched, not added")
+        after = path.read_bytes()
+        self.assert_untouched(stamped, after, CONCERNED)
+        self.assertEqual(self.pairs("GetUnsyncedContacts", foldertosearch=""), {})
+        (name,) = self.pairs("GetFolderContactItems", foldertosearch="")
+        self.assertIn("K.", name)
+        return after
+
+    def assert_read_by_khard(self):
+        shown = self.khard("show", "Jürgen")
+        for text in ("Müller", "+49 30 77", "Mainz", "jm@example.com"):
+            self.assertIn(text, shown)
+
+    def test_a_card_of_khard(self):
+        for version in ("3.0", "4.0"):
+            with self.subTest(version):
+                self.khard("new", "--vcard-version", version, "-a", "contacts", text=KHARD_CARD)
+                after = self.read_and_overwrite(["Hauptstraße 1,\nHinterhaus".split(",")[0],
+                                                 "\nHinterhaus"])
+                self.assertIn(b"CATEGORIES:Freunde", after)
+                self.assert_read_by_khard()
+                self.only_file("Contacts", ".vcf").unlink()
+
+    def test_a_card_of_vobject(self):
+        card = vobject.vCard()
+        card.add("n").value = vobject.vcard.Name(family="Müller", given="Jürgen")
+        card.add("fn").value = "Jürgen Müller"
+        card.add("uid").value = "../odd name"
+        for kind, number in [("WORK", "+49 30 1"), ("CELL", "+49 170 2"), ("PAGER", "+49 30 9")]:
+            line = card.add("tel")
+            line.value, line.type_param = number, kind
+        card.add("email").value = "jm@example.com"
+        address = card.add("adr")
+        address.value = vobject.vcard.Address(street="Hauptstraße 1", city="Köln", code="50667")
+        address.type_param = "WORK"
+        card.add("note").value = "lang und länger " * 30
+        self.put("Contacts/any name.vcf", card.serialize().encode())
+        after = self.read_and_overwrite(["Hauptstraße 1", ""])
+        self.assertEqual(vobject.readOne(after.decode()).note.value, "lang und länger " * 30)
+        self.assert_read_by_khard()
+
+    def test_a_card_of_version_2_1(self):
+        self.put("Contacts/old.vcf", CARD_21)
+        after = self.read_and_overwrite(["Hauptstraße 1", "\nHinterhaus"])
+        card = vobject.readOne(after.decode(), allowQP=True)
+        self.assertEqual(card.version.value, "2.1")
+        self.assertEqual([line.value for line in card.tel_list], ["+49 30 77", "+49 30 9"])
+
+    def test_a_card_of_version_4_0(self):
+        self.put("Contacts/new.vcf", CARD_40)
+        after = self.read_and_overwrite(["Hauptstraße 1", ""], phone="+49-30-1")
+        self.assertIn(b"ADR;X-KIND=summer:;;Strand 3;Sylt;;;\n", after)
+        self.assertNotIn(b"\r", after)
+        self.assert_read_by_khard()
+
+
+if __name__ == "__main__":
+    unittest.main()
