@@ -64,9 +64,10 @@ def content_lines(content):
 
 class World(unittest.TestCase):
     maxDiff = None
+    place = None  # of the temporary folder; the system's for None
 
     def setUp(self):
-        holder = tempfile.TemporaryDirectory(prefix="kestrelon-test-")
+        holder = tempfile.TemporaryDirectory(prefix="kestrelon-test-", dir=self.place)
         self.addCleanup(holder.cleanup)
         self.folder = pathlib.Path(holder.name)
         self.mailbox = self.folder / "mailbox"
