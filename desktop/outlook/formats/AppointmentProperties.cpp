@@ -110,6 +110,7 @@ void PutAllDay(CalendarObject& event, const Value& value) {
   const Date start = ReadStart(event);
   if (start == kNoDate) Refuse(u"An appointment must have a start");
   Date end = ReadEnd(event);
+  if (end == kNoDate) end = start;
   if (!all_day) {
     event.PutTime("DTSTART", start);
     return WriteEnd(event, end, false);

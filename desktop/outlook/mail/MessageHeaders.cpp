@@ -21,9 +21,9 @@ MessageHeaders::MessageHeaders(std::string message) : message_(std::move(message
   const std::string_view text = message_;
   if (text.starts_with(kByteOrderMark)) start_ = kByteOrderMark.size();
   // What a file of several mails begins each one with.
-  if (text.substr(start_).starts_with("From ")) {
-    const size_t end = text.find('\n', start_);
-    start_ = end == std::string_view::npos ? text.size() : end + 1;
+  const size_t line_feed = text.find('\n', start_);
+  if (text.substr(start_).starts_with("From ") && line_feed != std::string_view::npos) {
+    start_ = line_feed + 1;
   }
   ReadFields();
 }
@@ -35,8 +35,8 @@ void MessageHeaders::ReadFields() {
     const size_t line_feed = text.find('\n', begin);
     const size_t end = line_feed == std::string_view::npos ? text.size() : line_feed + 1;
     const std::string_view line = text.substr(begin, end - begin);
-    const bool continues = (line[0] == ' ' || line[0] == '\t') && !fields_.empty();
-    if (continues) {
+    if (line[0] == ' ' || line[0] == '\t') {
+      if (fields_.empty()) return;
       fields_.back().end = end;
     } else {
       const size_t colon = line.find(':');

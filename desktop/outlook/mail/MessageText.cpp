@@ -3,6 +3,7 @@
 #include <gmime/gmime.h>
 
 #include <algorithm>
+#include <cstring>
 #include <ctime>
 #include <memory>
 #include <vector>
@@ -12,6 +13,9 @@
 
 namespace kestrelon::desktop {
 namespace {
+
+// Those that the library takes apart.
+constexpr const char* kAddressHeaders[] = {"From", "Sender", "Reply-To", "To", "Cc", "Bcc"};
 
 struct Unref {
   void operator()(void* object) const { g_object_unref(object); }
@@ -80,6 +84,37 @@ std::string WithQuotedWords(std::string_view value) {
 
 // A header value as the library is to get it.
 std::string Prepare(std::string_view value) { return WithQuotedWords(WithoutNul(value)); }
+
+// Groups of addresses do not nest; the library calls itself for each colon of those that do.
+bool IsOverfull(std::string_view addresses) {
+  constexpr int kMostGroups = 500;
+  return std::count(addresses.begin(), addresses.end(), ':') > kMostGroups;
+}
+
+// The message without the headers that would nest so, those of messages within it included.
+std::string WithoutOverfullAddresses(std::string_view message) {
+  std::string out(message);
+  for (size_t begin = 0; begin < out.size();) {
+    size_t end = out.find('\n', begin);
+    const std::string_view line = std::string_view(out).substr(begin, end - begin);
+    const bool has_addresses = std::any_of(
+        std::begin(kAddressHeaders), std::end(kAddressHeaders), [line](const char* name) {
+          return line.size() >= std::strlen(name) &&
+                 g_ascii_strncasecmp(line.data(), name, std::strlen(name)) == 0;
+        });
+    while (has_addresses && end != std::string::npos && end + 1 < out.size() &&
+           (out[end + 1] == ' ' || out[end + 1] == '\t')) {
+      end = out.find('\n', end + 1);
+    }
+    end = end == std::string::npos ? out.size() : end + 1;
+    if (has_addresses && IsOverfull(std::string_view(out).substr(begin, end - begin))) {
+      out.erase(begin, end - begin);
+    } else {
+      begin = end;
+    }
+  }
+  return out;
+}
 
 String FromRawBytes(std::string_view bytes) {
   const bool is_utf8 = g_utf8_validate(WithoutNul(bytes).c_str(), -1, nullptr);
@@ -164,8 +199,10 @@ String DecodeHeaderText(std::string_view value) {
 
 std::vector<MailAddress> DecodeAddresses(std::string_view value) {
   std::vector<MailAddress> addresses;
-  const Owned<InternetAddressList> list(
-      internet_address_list_parse(Options(), Prepare(value).c_str()));
+  Owned<InternetAddressList> list;
+  if (!IsOverfull(value)) {
+    list.reset(internet_address_list_parse(Options(), Prepare(value).c_str()));
+  }
   if (list) AddAddresses(list.get(), addresses);
   if (addresses.empty()) {
     const String text = DecodeHeaderText(value);
@@ -190,7 +227,8 @@ std::optional<Date> DecodeHeaderDate(std::string_view value) {
   return date;
 }
 
-MessageBodies ReadBodies(std::string_view message) {
+MessageBodies ReadBodies(std::string_view text) {
+  const std::string message = WithoutOverfullAddresses(text);
   GMimeParserOptions* const options = Options();
   const Owned<GMimeStream> stream(
       g_mime_stream_mem_new_with_buffer(message.data(), message.size()));

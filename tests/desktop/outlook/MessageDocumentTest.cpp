@@ -65,6 +65,8 @@ TEST_F(MessageDocumentTest, ReadsHeadersAndBodies) {
 }
 
 TEST_F(MessageDocumentTest, GivesItsBestReadingOfBrokenMails) {
+  std::string nested = "To: ";
+  for (int i = 0; i < 50000; ++i) nested += "g: ";
   const struct {
     std::string mail;
     StringView property;
@@ -85,6 +87,7 @@ TEST_F(MessageDocumentTest, GivesItsBestReadingOfBrokenMails) {
       {"Content-Type: text/plain; charset=klingon\n\n\xE4", u"body", "\xC3\xA4"},
       {"Content-Type: text/html\n\n<p>a<p>b", u"body", "a\r\n\r\nb"},
       {"Content-Type: multipart/mixed\n\nlost", u"body", ""},
+      {nested + "\n\nb", u"body", "b"},
       {"X-Unsent: 1\n\n", u"unread", "False"},
       {"X-Mozilla-Status: 0000\n\n", u"unread", "True"},
   };
@@ -98,7 +101,8 @@ TEST_F(MessageDocumentTest, KeepsUserPropertiesBeforeTheMessage) {
   for (char16_t c = 1; c < 0x180; ++c) every += c;
   for (const std::string& mail :
        {std::string(kMail), std::string("From x\nA: b\n\nbody"), std::string("\r\n"),
-        std::string("  no header"), std::string("A: b"), std::string()}) {
+        std::string("  no header"), std::string(" a: b"), std::string("From x"),
+        std::string("A: b"), std::string()}) {
     const auto document = ReadMessage(mail);
     document->PutUserField({u"KESTID", 1, u"{1}"});
     document->PutUserField({u"a; b", 3, every});
@@ -112,7 +116,7 @@ TEST_F(MessageDocumentTest, KeepsUserPropertiesBeforeTheMessage) {
     EXPECT_TRUE(again->Get(u"unread").AsBoolean());
     EXPECT_EQ(Get(*again, u"body"), Get(*ReadMessage(mail), u"body"));
 
-    const size_t kept = mail.starts_with("From ") ? mail.find('\n') + 1 : 0;
+    const size_t kept = mail.starts_with("From x\n") ? mail.find('\n') + 1 : 0;
     EXPECT_TRUE(again->content().starts_with(mail.substr(0, kept)));
     EXPECT_TRUE(again->content().ends_with(mail.substr(kept)));
     again->RemoveUserField(u"KESTID");
