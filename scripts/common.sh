@@ -3,8 +3,9 @@
 set -euo pipefail
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libdeflate-dev zlib1g-dev libgmime-3.0-dev libglib2.0-dev
-  nlohmann-json3-dev libcli11-dev libreofficekit-dev libxslt1-dev libicu-dev libical-dev)
+build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libdeflate-dev zlib1g-dev libgmime-3.0-dev
+  libglib2.0-dev nlohmann-json3-dev libcli11-dev libreofficekit-dev libxslt1-dev libicu-dev
+  libical-dev)
 # LibreOffice makes PDF, HTML and .doc; the fonts are those that letters commonly ask for.
 run_packages=(libreoffice-writer-nogui fonts-liberation fonts-crosextra-carlito
   fonts-crosextra-caladea)

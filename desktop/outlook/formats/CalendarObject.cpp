@@ -20,7 +20,9 @@ std::optional<Component> ItemAt(const ContentLines& lines, const Component& with
   if (!lines.Is(line, "BEGIN")) return std::nullopt;
   const std::string name = WithoutBlanks(lines.RawValue(line));
   if (!EqualAscii(name, "VEVENT") && !EqualAscii(name, "VTODO")) return std::nullopt;
-  // Not a name that is folded: nobody takes that for a component.
+  // Nobody takes a name that is folded for a component.
+  const std::string_view bytes = lines.Bytes(line);
+  if (bytes.find('\n') < bytes.size() - 1) return std::nullopt;
   const auto item = lines.FindComponent(name, within, line);
   return item && item->begin == line ? item : std::nullopt;
 }
