@@ -56,8 +56,13 @@ bool CalendarObject::FindItem() {
   const auto found = lines_.FindComponent(kind, around, first);
   if (!found || found->begin != first) return false;
   item_ = *found;
+  const auto uid_of = [this](const Component& component) {
+    const auto line = lines_.Find("UID", component);
+    return line ? lines_.RawValue(*line) : std::string();
+  };
+  const std::string uid = uid_of(item_);
   for (auto each = found; each; each = lines_.FindComponent(kind, around, each->end)) {
-    if (lines_.Find("RECURRENCE-ID", *each)) continue;
+    if (lines_.Find("RECURRENCE-ID", *each) || uid_of(*each) != uid) continue;
     item_ = *each;
     break;
   }
