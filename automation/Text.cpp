@@ -133,9 +133,12 @@ std::string ToUtf8(StringView text) {
 }
 
 String FromUtf8(std::string_view text) {
-  String out;
+  const auto is_ascii = [](char byte) { return (byte & 0x80) == 0; };
+  const auto others = std::find_if_not(text.begin(), text.end(), is_ascii);
+  String out(text.begin(), others);
+  if (others == text.end()) return out;
   out.reserve(text.size());
-  for (size_t at = 0; at < text.size();) AppendUtf16(out, NextUtf8(text, at));
+  for (size_t at = out.size(); at < text.size();) AppendUtf16(out, NextUtf8(text, at));
   return out;
 }
 
