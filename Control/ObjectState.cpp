@@ -22,12 +22,4 @@ int32_t TagTable::UpperBound() const {
   return static_cast<int32_t>(Tags.size()) - 1;
 }
 
-size_t ContactMatchIndex::Hash::operator()(const NameAndEmail& key) const {
-  size_t hash = 0;
-  for (const String* text : {&key.first_name, &key.last_name, &key.email}) {
-    hash = hash * 31 + std::hash<String>()(*text);
-  }
-  return hash;
-}
-
 }  // namespace kestrelon

@@ -29,18 +29,9 @@ struct TagTable {
 // its order, by their texts as these were when the index was built. A row is a position less 1; of
 // equal texts the smallest row is kept. Texts are in lower case.
 struct ContactMatchIndex {
-  struct NameAndEmail {
-    String first_name;
-    String last_name;
-    String email;
-    bool operator==(const NameAndEmail&) const = default;
-  };
-  struct Hash {
-    size_t operator()(const NameAndEmail& key) const;
-  };
   std::unordered_map<String, size_t> row_of_id;
-  // An entry for each e-mail address of a contact.
-  std::unordered_map<NameAndEmail, size_t, Hash> row_of_name_and_email;
+  // An entry for each e-mail address of a contact: names and address as one text.
+  std::unordered_map<String, size_t> row_of_name_and_email;
 };
 
 struct ObjectState {
