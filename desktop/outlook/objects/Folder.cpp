@@ -56,6 +56,7 @@ Value Folder::GetFolders() {
 
 Value Folder::GetItems() {
   if (items_ == nullptr) items_ = std::make_shared<Items>(folder_);
+  folder_->files()->LookAgain();
   return Object(items_);
 }
 

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
+#include <future>
+#include <thread>
 #include <tuple>
 #include <utility>
 
@@ -93,6 +95,43 @@ std::vector<std::string> ListItems(int folder, const fs::path& path) {
   return names;
 }
 
+// Calls `work` for every number below `count`; many of them side by side, as reading files is
+// mostly waiting for the system.
+template <typename Work>
+void ForEachNumber(size_t count, const Work& work) {
+  constexpr size_t kWorthAThread = 500;
+  constexpr size_t kMostThreads = 4;
+  const size_t threads = std::min(
+      {size_t{std::thread::hardware_concurrency()}, kMostThreads, 1 + count / kWorthAThread});
+  const auto work_on_part = [&](size_t part) {
+    for (size_t number = part; number < count; number += threads) work(number);
+  };
+  std::vector<std::future<void>> parts;
+  for (size_t part = 1; part < threads; ++part) {
+    parts.push_back(std::async(std::launch::async, work_on_part, part));
+  }
+  work_on_part(0);
+  for (std::future<void>& part : parts) part.get();
+}
+
+// Files that are read in the order in which they are walked lie side by side in memory.
+void SortAsListed(std::vector<std::string>& names, const FolderOrder& order) {
+  std::unordered_map<std::string_view, size_t> ranks;
+  ranks.reserve(order.lines().size());
+  for (const std::string_view line : order.lines()) ranks.emplace(line, ranks.size());
+  std::vector<std::pair<size_t, size_t>> places;  // rank and index
+  places.reserve(names.size());
+  for (size_t i = 0; i < names.size(); ++i) {
+    const auto found = ranks.find(names[i]);
+    places.emplace_back(found == ranks.end() ? ~size_t{0} : found->second, i);
+  }
+  std::ranges::sort(places);
+  std::vector<std::string> sorted;
+  sorted.reserve(names.size());
+  for (const auto& [rank, index] : places) sorted.push_back(std::move(names[index]));
+  names = std::move(sorted);
+}
+
 bool IsSafeName(std::string_view uid) {
   constexpr size_t kLongest = 200;
   constexpr std::string_view kSafe =
@@ -118,17 +157,21 @@ FolderFiles::FolderFiles(fs::path folder)
 FolderFiles::~FolderFiles() = default;
 
 size_t FolderFiles::Count() {
-  LookAgain();
+  if (is_read_) {
+    LookAgain();
+  } else {
+    Walk();
+  }
   return order_.size();
 }
 
 ItemFilePointer FolderFiles::At(size_t index) {
-  LookAgain();
+  if (!is_read_) Walk();
   return index < order_.size() ? order_[index]->file : nullptr;
 }
 
 ItemFilePointer FolderFiles::Find(std::string_view wanted) {
-  if (is_read_) LookAgain();
+  LookAgain();
   const std::string name(wanted);
   const auto found = slots_.find(name);
   if (is_read_) return found == slots_.end() ? nullptr : found->second.file;
@@ -149,7 +192,7 @@ ItemFilePointer FolderFiles::Find(std::string_view wanted) {
 
 void FolderFiles::LookAgain() {
   struct stat status {};
-  if (is_read_ && stat(folder_.c_str(), &status) == 0 && StampOf(status) == known_) return;
+  if (!is_read_ || (stat(folder_.c_str(), &status) == 0 && StampOf(status) == known_)) return;
   Walk();
 }
 
@@ -168,14 +211,22 @@ void FolderFiles::ReadItems(int folder) {
   std::unordered_map<std::string, Slot> before = std::exchange(slots_, {});
   order_.clear();
   slots_.reserve(names.size());
-  for (std::string& name : names) {
-    auto known = before.empty() ? decltype(before)::node_type() : before.extract(name);
-    if (!known.empty() && IsAsRead(folder, *known.mapped().file)) {
-      known.mapped().rank = kNoRank;
-      slots_.insert(std::move(known));
-    } else if (ItemFilePointer file = ReadItemFile(folder, shared_folder_, name)) {
-      slots_[std::move(name)].file = std::move(file);
-    }
+  std::erase_if(names, [&](const std::string& name) {
+    const auto known = before.find(name);
+    if (known == before.end() || !IsAsRead(folder, *known->second.file)) return false;
+    known->second.rank = kNoRank;
+    slots_.insert(before.extract(known));
+    return true;
+  });
+  SortAsListed(names, FolderOrder(folder_));
+  std::vector<ItemFilePointer> files(names.size());
+  ForEachNumber(names.size(), [&](size_t number) {
+    files[number] = ReadItemFile(folder, shared_folder_, names[number]);
+  });
+  for (size_t number = 0; number < names.size(); ++number) {
+    if (files[number] == nullptr) continue;
+    before.erase(names[number]);
+    slots_[std::move(names[number])].file = std::move(files[number]);
   }
   for (const auto& [name, slot] : before) slot.file->is_gone = true;
 }

@@ -35,10 +35,13 @@ class FolderFiles {
 
   const std::filesystem::path& folder() const { return folder_; }
 
-  // As the folder is now. Each call looks whether others have changed it.
+  // As the folder is now: looks whether others have changed it.
   size_t Count();
-  // Constant time. nullptr past the end. `index` counts from 0.
+  // As the folder was at the last look, so that a walk by index meets every item once. Constant
+  // time. nullptr past the end. `index` counts from 0.
   ItemFilePointer At(size_t index);
+  // Looks whether others have changed the folder. Costs nothing before the folder is read.
+  void LookAgain();
   // By file name, without reading the others when nothing is read yet; nullptr when there is none.
   ItemFilePointer Find(std::string_view name);
 
@@ -66,7 +69,6 @@ class FolderFiles {
     size_t rank = kNoRank;
   };
 
-  void LookAgain();
   void Walk();
   void ReadItems(int folder);
   void Arrange(int folder);
