@@ -1,13 +1,12 @@
 #include "desktop/outlook/formats/CalendarDocument.h"
 
-#include <glib.h>
-
 #include <ctime>
 #include <unordered_map>
 
 #include "automation/AutomationError.h"
 #include "desktop/outlook/formats/CalendarObject.h"
 #include "desktop/outlook/formats/CalendarProperties.h"
+#include "desktop/outlook/formats/NewUid.h"
 #include "desktop/outlook/formats/UserFieldLines.h"
 
 namespace kestrelon::desktop {
@@ -80,12 +79,10 @@ class CalendarDocument final : public ItemDocument {
 
 // An item with what the standard demands of each, and `lines`.
 std::unique_ptr<ItemDocument> NewItem(const std::string& kind, const std::string& lines) {
-  char* const uid = g_uuid_string_random();
   const std::string now = UtcNow();
   std::string content = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Kestrelon//Mailbox//EN\r\n";
-  content += "BEGIN:" + kind + "\r\nUID:" + uid + "\r\nDTSTAMP:" + now + "\r\nCREATED:" + now;
+  content += "BEGIN:" + kind + "\r\nUID:" + NewUid() + "\r\nDTSTAMP:" + now + "\r\nCREATED:" + now;
   content += "\r\nLAST-MODIFIED:" + now + "\r\n" + lines + "END:" + kind + "\r\nEND:VCALENDAR\r\n";
-  g_free(uid);
   return ReadCalendarItem(std::move(content));
 }
 

@@ -39,33 +39,6 @@ bool IsEncoding(const Parameter& parameter) {
          (EqualAscii(word, "QUOTED-PRINTABLE") || EqualAscii(word, "BASE64"));
 }
 
-// Calls `visit` with the name and each value of every parameter.
-template <typename Visit>
-void VisitParameters(const ContentLines& lines, size_t line, Visit visit) {
-  if (!lines.HasParameters(line)) return;
-  const auto plain = lines.PlainParameters(line);
-  if (!plain) {
-    for (const Parameter& parameter : lines.Parameters(line)) {
-      for (const std::string& value : parameter.values) visit(parameter.name, value);
-    }
-    return;
-  }
-  for (size_t at = 1; at <= plain->size();) {
-    const size_t end = std::min(plain->find(';', at), plain->size());
-    std::string_view values = plain->substr(at, end - at);
-    const size_t equals = values.find('=');
-    const bool bare = equals == std::string_view::npos;
-    const std::string_view name = bare ? "" : values.substr(0, equals);
-    if (!bare) values.remove_prefix(equals + 1);
-    for (size_t start = 0; start <= values.size();) {
-      const size_t comma = std::min(values.find(',', start), values.size());
-      visit(name, values.substr(start, comma - start));
-      start = comma + 1;
-    }
-    at = end + 1;
-  }
-}
-
 ValueEncoding EncodingOf(const ContentLines& lines, size_t line) {
   ValueEncoding encoding;
   encoding.quoted_printable = lines.IsQuotedPrintable(line);
@@ -166,9 +139,12 @@ std::string Card::Decode(size_t line, std::string raw) const {
 }
 
 std::vector<std::string> Card::Components(size_t line) const {
-  if (EncodingOf(lines_, line).base64) return SplitEscaped(Value(line), ';');
+  const ValueEncoding encoding = EncodingOf(lines_, line);
+  if (encoding.base64) return SplitEscaped(Value(line), ';');
+  const std::string plain = lines_.RawValue(line);
+  if (encoding.IsPlain() && IsAscii(plain)) return SplitEscaped(plain, ';');
   std::vector<std::string> components;
-  for (std::string& raw : SplitEscaped(lines_.RawValue(line), ';')) {
+  for (std::string& raw : SplitEscaped(plain, ';')) {
     // A semicolon that was encoded does not separate.
     const std::vector<std::string> pieces = SplitEscaped(Decode(line, std::move(raw)), ';');
     std::string component = pieces.front();
@@ -293,7 +269,16 @@ bool Card::Belongs(size_t line, const LineSet& set, LineTypes& types) const {
   return set.types == kAnyType || KindOf(set.names.front(), types.types) == set.types;
 }
 
-std::vector<Card::SlottedLine> Card::Slots(const LineSet& set) const {
+const std::vector<Card::SlottedLine>& Card::Slots(const LineSet& set) const {
+  KnownSlots& known = known_slots_;
+  const bool is_known = known.changes == lines_.changes() && known.name == set.names.front() &&
+                        known.types == set.types && known.label == set.label;
+  if (!is_known)
+    known = {lines_.changes(), set.names.front(), set.types, set.label, FindSlots(set)};
+  return known.slots;
+}
+
+std::vector<Card::SlottedLine> Card::FindSlots(const LineSet& set) const {
   struct Candidate {
     size_t line;
     int32_t rank;
@@ -309,6 +294,8 @@ std::vector<Card::SlottedLine> Card::Slots(const LineSet& set) const {
           {*line, static_cast<int32_t>(rank) * 1000 + types.preference, types.slot});
     }
   }
+  if (candidates.empty()) return {};
+  if (candidates.size() == 1) return {{candidates[0].line, std::max(candidates[0].slot, 1)}};
   std::stable_sort(candidates.begin(), candidates.end(),
                    [](const Candidate& a, const Candidate& b) { return a.rank < b.rank; });
   std::vector<SlottedLine> slots;

@@ -101,14 +101,25 @@ class Card {
   LineTypes TypesOf(size_t line) const;
   bool Belongs(size_t line, const LineSet& set, LineTypes& types) const;
   bool HasLabel(size_t line, std::string_view label) const;
-  std::vector<SlottedLine> Slots(const LineSet& set) const;
+  const std::vector<SlottedLine>& Slots(const LineSet& set) const;
+  std::vector<SlottedLine> FindSlots(const LineSet& set) const;
   void KeepSlots(const LineSet& set, std::vector<SlottedLine> wanted);
   std::string FormatTypes(std::string_view types) const;
+
+  // The slots that were asked for last: the properties of one set are read one after the other.
+  struct KnownSlots {
+    uint64_t changes = static_cast<uint64_t>(-1);  // of the lines
+    std::string_view name;
+    uint32_t types = 0;
+    std::string_view label;
+    std::vector<SlottedLine> slots;
+  };
 
   FileText file_;  // its text is in lines_
   ContentLines lines_;
   Component component_;
   Version version_ = Version::k30;
+  mutable KnownSlots known_slots_;
   mutable std::string encoded_;  // of UTF-16
   mutable uint64_t encoded_at_ = static_cast<uint64_t>(-1);
 };

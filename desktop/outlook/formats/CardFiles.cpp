@@ -28,6 +28,7 @@ std::optional<ItemClass> ClassOfCard(std::string_view content) {
     const size_t end = std::min(content.find('\n'), content.size() - 1);
     const std::string_view line = content.substr(0, end + 1);
     content.remove_prefix(end + 1);
+    if (std::string_view("BbEeKkXx").find(line.front()) == std::string_view::npos) continue;
     if (StartsWith(line, "BEGIN:VCARD")) in_card = true;
     if (!in_card) continue;
     if (StartsWith(line, "END:VCARD")) break;

@@ -4,10 +4,10 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <random>
 
 #include "automation/AutomationError.h"
 #include "desktop/outlook/formats/ContactProperties.h"
+#include "desktop/outlook/formats/NewUid.h"
 #include "desktop/outlook/formats/UserFieldLines.h"
 
 namespace kestrelon::desktop {
@@ -96,16 +96,6 @@ bool IsYearMark(const Parameter& parameter) {
 
 bool IsValueType(const Parameter& parameter) { return parameter.name == "VALUE"; }
 
-std::string RandomUuid() {
-  std::random_device device;
-  std::uniform_int_distribution<uint32_t> any;
-  const uint32_t a = any(device), b = any(device), c = any(device), d = any(device);
-  char text[40];
-  std::snprintf(text, sizeof text, "%08x-%04x-4%03x-%04x-%04x%08x", a, b >> 16, b & 0xFFF,
-                0x8000 | (c >> 18), c & 0xFFFF, d);
-  return text;
-}
-
 class Contact : public ItemDocument {
  public:
   explicit Contact(Card card) : card_(std::move(card)) {
@@ -121,10 +111,7 @@ class Contact : public ItemDocument {
   const std::string& content() const override { return card_.content(); }
   std::string Uid() const override { return ToUtf8(card_.TextOf("UID")); }
 
-  bool Has(StringView property) const override {
-    const ContactProperty* found = FindContactProperty(property);
-    return found != nullptr && (is_list_ ? found->of_lists : found->of_contacts);
-  }
+  bool Has(StringView property) const override { return Find(property) != nullptr; }
   const std::vector<StringView>& PropertyNames() const override;
   Value Get(StringView property) const override;
   void Put(StringView property, const Value& value) override;
@@ -147,9 +134,15 @@ class Contact : public ItemDocument {
   }
 
  private:
+  const ContactProperty* Find(StringView name) const {
+    const ContactProperty* found = FindContactProperty(name);
+    const bool is_ours = found != nullptr && (is_list_ ? found->of_lists : found->of_contacts);
+    return is_ours ? found : nullptr;
+  }
   const ContactProperty& FindProperty(StringView name) const {
-    if (!Has(name)) throw AutomationError(kMemberNotFound);
-    return *FindContactProperty(name);
+    const ContactProperty* found = Find(name);
+    if (found == nullptr) throw AutomationError(kMemberNotFound);
+    return *found;
   }
   String GetText(const ContactProperty& property) const;
   void PutText(const ContactProperty& property, const String& text);
@@ -162,7 +155,8 @@ class Contact : public ItemDocument {
   String PartText(const LineSet& lines, size_t part) const;
   void PutPart(const LineSet& lines, size_t part, const String& text);
 
-  NameParts GetNameParts() const;
+  const NameParts& GetNameParts() const;
+  NameParts ReadNameParts() const;
   void PutNameParts(const NameParts& parts);
   String FullName() const;
   void PutFullName(const String& text);
@@ -196,6 +190,9 @@ class Contact : public ItemDocument {
 
   Card card_;
   bool is_list_ = false;
+  // The name as of that many changes: its parts are read one after the other.
+  mutable NameParts name_;
+  mutable uint64_t name_read_at_ = static_cast<uint64_t>(-1);
 };
 
 const LineSet kEmails = {.names = {"EMAIL"}};
@@ -356,8 +353,16 @@ String Contact::Address(const LineSet& lines) const {
 
 // --- Names ---
 
+const NameParts& Contact::GetNameParts() const {
+  if (name_read_at_ != card_.lines().changes()) {
+    name_ = ReadNameParts();
+    name_read_at_ = card_.lines().changes();
+  }
+  return name_;
+}
+
 // A card without N has only its FN to tell.
-NameParts Contact::GetNameParts() const {
+NameParts Contact::ReadNameParts() const {
   NameParts parts;
   const auto line = card_.Find("N");
   if (!line) {
@@ -579,7 +584,7 @@ std::unique_ptr<ItemDocument> ReadContact(std::string content) {
 }
 
 std::unique_ptr<ItemDocument> NewContact() {
-  return ReadContact("BEGIN:VCARD\r\nVERSION:3.0\r\nUID:" + RandomUuid() +
+  return ReadContact("BEGIN:VCARD\r\nVERSION:3.0\r\nUID:" + NewUid() +
                      "\r\nN:;;;;\r\nFN:" + ToUtf8(kUnnamed) + "\r\nEND:VCARD\r\n");
 }
 

@@ -167,14 +167,19 @@ const std::vector<ContactProperty>& ContactProperties() {
 }
 
 const ContactProperty* FindContactProperty(StringView name) {
-  static const auto by_name = [] {
-    std::unordered_map<String, const ContactProperty*> map;
+  static const auto names = [] {
+    std::vector<String> lower_case;
     for (const ContactProperty& property : ContactProperties()) {
-      map.emplace(LowerCase(property.name), &property);
+      lower_case.push_back(LowerCase(property.name));
     }
+    return lower_case;
+  }();
+  static const auto by_name = [] {
+    std::unordered_map<StringView, const ContactProperty*> map;
+    for (size_t i = 0; i < names.size(); ++i) map.emplace(names[i], &ContactProperties()[i]);
     return map;
   }();
-  const auto found = by_name.find(String(name));
+  const auto found = by_name.find(name);
   return found == by_name.end() ? nullptr : found->second;
 }
 

@@ -18,8 +18,6 @@ constexpr size_t kDeepest = 16;
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
-char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-
 // Where a quoted-printable text may be broken at `at` or before: not inside "=XX", and so that the
 // next line is not taken for the END of the component.
 size_t SoftBreak(std::string_view value, size_t at) {
@@ -118,17 +116,9 @@ std::vector<std::string> SplitParameter(std::string_view values) {
 
 }  // namespace
 
-bool EqualAscii(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (Upper(a[i]) != Upper(b[i])) return false;
-  }
-  return true;
-}
-
 std::string UpperAscii(std::string_view text) {
   std::string out(text);
-  std::transform(out.begin(), out.end(), out.begin(), Upper);
+  std::transform(out.begin(), out.end(), out.begin(), [](char c) { return UpperAscii(c); });
   return out;
 }
 
@@ -205,7 +195,7 @@ void ContentLines::ReadHeader(Line& line, size_t first_end) const {
     if (text_[at] == '.') line.name = static_cast<uint32_t>(at + 1);
   }
   line.name_end = static_cast<uint32_t>(at);
-  at = FindColon(text_, at, line.content_end);
+  if (at == first_end || text_[at] != ':') at = FindColon(text_, at, line.content_end);
   line.colon = static_cast<uint32_t>(at);
   if (at == line.content_end || line.name == line.name_end || IsBlank(text_[line.begin])) {
     line.kind = Line::Kind::kOther;

@@ -8,6 +8,7 @@
 // Any bytes are taken; reading is linear in their number. Error 7 for 2 GiB and more.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -121,6 +122,33 @@ class ContentLines {
   uint64_t changes_ = 0;
 };
 
+// Calls `visit` with the name and each value of every parameter, both valid during the call only.
+template <typename Visit>
+void VisitParameters(const ContentLines& lines, size_t line, Visit visit) {
+  if (!lines.HasParameters(line)) return;
+  const auto plain = lines.PlainParameters(line);
+  if (!plain) {
+    for (const Parameter& parameter : lines.Parameters(line)) {
+      for (const std::string& value : parameter.values) visit(parameter.name, value);
+    }
+    return;
+  }
+  for (size_t at = 1; at <= plain->size();) {
+    const size_t end = std::min(plain->find(';', at), plain->size());
+    std::string_view values = plain->substr(at, end - at);
+    const size_t equals = values.find('=');
+    const bool bare = equals == std::string_view::npos;
+    const std::string_view name = bare ? "" : values.substr(0, equals);
+    if (!bare) values.remove_prefix(equals + 1);
+    for (size_t start = 0; start <= values.size();) {
+      const size_t comma = std::min(values.find(',', start), values.size());
+      visit(name, values.substr(start, comma - start));
+      start = comma + 1;
+    }
+    at = end + 1;
+  }
+}
+
 // The parameter of that name (capitals), or nullptr.
 const Parameter* FindParameter(const std::vector<Parameter>& parameters, std::string_view name);
 // ";name=value", quoted and with ^-escapes as needed.
@@ -136,7 +164,13 @@ std::string WriteText(StringView text);
 // The pieces of a structured value (';') or of a list (','), still escaped. At least one.
 std::vector<std::string> SplitEscaped(std::string_view value, char separator);
 
-bool EqualAscii(std::string_view a, std::string_view b);  // without regard to case
+constexpr char UpperAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
 std::string UpperAscii(std::string_view text);
+// Without regard to case.
+inline bool EqualAscii(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return UpperAscii(x) == UpperAscii(y);
+         });
+}
 
 }  // namespace kestrelon::desktop

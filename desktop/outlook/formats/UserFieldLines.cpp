@@ -9,15 +9,14 @@ constexpr int32_t kTextType = 1;
 
 UserField ReadField(const ContentLines& lines, size_t line) {
   UserField field;
-  for (const Parameter& parameter : lines.Parameters(line)) {
-    const std::string& value = parameter.values.front();
-    if (parameter.name == "X-NAME") field.name = FromUtf8(value);
-    if (parameter.name == "X-TYPE") {
+  VisitParameters(lines, line, [&](std::string_view name, std::string_view value) {
+    if (EqualAscii(name, "X-NAME") && field.name.empty()) field.name = FromUtf8(value);
+    if (EqualAscii(name, "X-TYPE")) {
       int32_t type = kTextType;
       std::from_chars(value.data(), value.data() + value.size(), type);
       field.type = type;
     }
-  }
+  });
   field.value = ReadText(lines.RawValue(line));
   return field;
 }
@@ -26,9 +25,12 @@ std::optional<size_t> FindLine(const ContentLines& lines, const Component& compo
                                StringView name, size_t from = 0) {
   auto line = lines.Find(kUserFieldLine, component, from);
   for (; line; line = lines.Find(kUserFieldLine, component, *line + 1)) {
-    const std::vector<Parameter> parameters = lines.Parameters(*line);
-    const Parameter* found = FindParameter(parameters, "X-NAME");
-    if (found != nullptr && EqualIgnoringCase(FromUtf8(found->values.front()), name)) break;
+    std::optional<bool> is_wanted;  // by the first name that the line gives
+    VisitParameters(lines, *line, [&](std::string_view parameter, std::string_view value) {
+      if (is_wanted || !EqualAscii(parameter, "X-NAME")) return;
+      is_wanted = EqualIgnoringCase(FromUtf8(value), name);
+    });
+    if (is_wanted.value_or(false)) break;
   }
   return line;
 }
