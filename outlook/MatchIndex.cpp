@@ -53,8 +53,9 @@ ContactMatchIndex BuildMatchIndex(const Object& folder) {
   ContactMatchIndex index;
   const Object items = folder.GetChild(u"Items");
   const int32_t count = items.Get(u"Count").ToLong();
-  index.row_of_id.reserve(static_cast<size_t>(std::max(count, 0)));
-  index.row_of_name_and_email.reserve(static_cast<size_t>(std::max(count, 0)));
+  const auto rows = static_cast<size_t>(std::max(count, 0));
+  index.row_of_id.reserve(rows);
+  index.row_of_name_and_email.reserve(2 * rows);  // few have more addresses
   for (int32_t i = 1; i <= count; ++i) {
     AddRow(items.CallChild(u"", i), static_cast<size_t>(i - 1), index);
   }

@@ -547,6 +547,7 @@ std::string UnescapeText(std::string_view text) {
 }
 
 String ReadText(std::string_view value) {
+  if (value.find_first_of("\\\r\n") == std::string_view::npos) return FromUtf8(value);
   String text = FromUtf8(UnescapeText(value));
   if (text.find(u'\r') != String::npos) {
     text = ReplaceAll(ReplaceAll(text, u"\r\n", u"\n"), u"\r", u"\n");
