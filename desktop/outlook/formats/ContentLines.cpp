@@ -513,6 +513,10 @@ std::string FormatParameter(std::string_view name, std::string_view value) {
 }
 
 std::string EscapeText(std::string_view text) {
+  // Neither format has a form for them; programs written in C end a text at the first NUL.
+  const auto is_forbidden = [](char c) {
+    return (static_cast<unsigned char>(c) < 0x20 && c != '\t') || c == 0x7F;
+  };
   std::string out;
   out.reserve(text.size() + 8);
   for (size_t i = 0; i < text.size(); ++i) {
@@ -522,7 +526,7 @@ std::string EscapeText(std::string_view text) {
       out += "\\n";
     } else {
       if (c == ',' || c == ';' || c == '\\') out += '\\';
-      out += c;
+      out += is_forbidden(c) ? ' ' : c;
     }
   }
   return out;

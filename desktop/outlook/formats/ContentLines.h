@@ -155,7 +155,7 @@ const Parameter* FindParameter(const std::vector<Parameter>& parameters, std::st
 std::string FormatParameter(std::string_view name, std::string_view value);
 
 // Backslash escapes of text values: line breaks (any form; LF when read), commas, semicolons and
-// backslashes.
+// backslashes. Other control characters than tabs are written as blanks.
 std::string EscapeText(std::string_view text);
 std::string UnescapeText(std::string_view text);
 // The same for texts of properties, which break lines by CR LF.

@@ -68,13 +68,14 @@ TEST(ContentLines, UserFieldsAreFoundByNameWithoutRegardToCase) {
   PutUserField(lines, component, {u"Größe \"x\": a;b", 1, u"1,2\r\n3\\"});
   PutUserField(lines, component, {u"other", 6, u""});
   PutUserField(lines, component, {u"GRÖSSE", 1, u"kept apart"});
-  PutUserField(lines, component, {u"OTHER", 3, u"true"});
+  // No program reads a NUL in the middle of a line.
+  PutUserField(lines, component, {u"OTHER", 3, String(u"t\0\v\te", 5)});
   const std::vector<UserField> fields = ReadUserFields(lines, component);
   ASSERT_EQ(fields.size(), 3u);
   EXPECT_EQ(FindUserField(lines, component, u"GRÖßE \"X\": A;B")->value, u"1,2\r\n3\\");
   EXPECT_EQ(fields[1].name, u"other");
   EXPECT_EQ(fields[1].type, 3);
-  EXPECT_EQ(fields[1].value, u"true");
+  EXPECT_EQ(fields[1].value, u"t  \te");
   for (const UserField& field : fields) RemoveUserField(lines, component, field.name);
   EXPECT_EQ(lines.text(), "BEGIN:V\nEND:V\n");
 }
