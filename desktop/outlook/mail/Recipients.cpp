@@ -22,6 +22,16 @@ bool IsAddress(StringView text) {
   });
 }
 
+// The addresses that commas separate, as mail programs write them; the text itself where a piece is
+// none: names have commas too.
+std::vector<String> AddressesOf(const String& text) {
+  std::vector<String> pieces = Split(text, u",");
+  const bool are_addresses = std::all_of(pieces.begin(), pieces.end(), [](const String& piece) {
+    return Trim(piece).empty() || !Recipient(piece, RecipientType::kTo).address().empty();
+  });
+  return are_addresses ? pieces : std::vector<String>{text};
+}
+
 String WithoutQuotes(const String& name) {
   const bool is_quoted = name.size() > 1 && name.starts_with(u'"') && name.ends_with(u'"');
   return is_quoted ? name.substr(1, name.size() - 2) : name;
@@ -115,7 +125,9 @@ Value Recipients::Add(const MethodArguments& arguments) {
 
 void Recipients::AddEach(RecipientType type, StringView text) {
   for (const String& part : Split(text, u";")) {
-    if (!Trim(part).empty()) recipients_.push_back(std::make_shared<Recipient>(part, type));
+    for (const String& name : AddressesOf(part)) {
+      if (!Trim(name).empty()) recipients_.push_back(std::make_shared<Recipient>(name, type));
+    }
   }
 }
 

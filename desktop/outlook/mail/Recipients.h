@@ -49,7 +49,7 @@ class Recipients final : public ServerObject<Recipients> {
   const std::vector<std::shared_ptr<Recipient>>& all() const { return recipients_; }
   // The recipients of one type, joined by "; ".
   String Joined(RecipientType type) const;
-  // Replaces them by those in a text separated by ";".
+  // Replaces them by those in a text separated by ";", or by "," between addresses.
   void Replace(RecipientType type, StringView text);
 
  private:
