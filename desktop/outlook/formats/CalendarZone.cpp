@@ -35,16 +35,11 @@ class ZoneOfFile final : public CalendarZone {
   ZoneOfFile(const ZoneOfFile&) = delete;
   ZoneOfFile& operator=(const ZoneOfFile&) = delete;
 
-  int64_t ToUnixTime(const DateParts& parts) const override {
-    icaltimetype time = icaltime_null_time();
-    time.year = parts.year;
-    time.month = parts.month;
-    time.day = parts.day;
-    time.hour = parts.hour;
-    time.minute = parts.minute;
-    time.second = parts.second;
+  int64_t OffsetAt(int64_t time) const override {
+    icaltimezone* const utc = icaltimezone_get_utc_timezone();
+    icaltimetype moment = icaltime_from_timet_with_zone(time, 0, utc);
     int is_daylight = 0;
-    return AsUtc(parts) - icaltimezone_get_utc_offset(zone_, &time, &is_daylight);
+    return icaltimezone_get_utc_offset_of_utc_time(zone_, &moment, &is_daylight);
   }
 
  private:
@@ -58,10 +53,9 @@ class ZoneOfSystem final : public CalendarZone {
   ZoneOfSystem(const ZoneOfSystem&) = delete;
   ZoneOfSystem& operator=(const ZoneOfSystem&) = delete;
 
-  int64_t ToUnixTime(const DateParts& parts) const override {
-    gint64 time = AsUtc(parts);
-    const gint interval = g_time_zone_adjust_time(zone_, G_TIME_TYPE_STANDARD, &time);
-    return time - g_time_zone_get_offset(zone_, interval);
+  int64_t OffsetAt(int64_t time) const override {
+    const gint interval = g_time_zone_find_interval(zone_, G_TIME_TYPE_UNIVERSAL, time);
+    return g_time_zone_get_offset(zone_, interval);
   }
 
  private:
@@ -123,6 +117,17 @@ ZonePointer Remember(std::map<std::string, ZonePointer, std::less<>>& known, std
 }
 
 }  // namespace
+
+int64_t CalendarZone::ToUnixTime(const DateParts& parts) const {
+  constexpr int64_t kDay = 86400;
+  const int64_t clock = AsUtc(parts);
+  const int64_t before = OffsetAt(clock - kDay);
+  const int64_t first = clock - before;
+  const int64_t then = OffsetAt(first);
+  // Where the clocks have changed since, unless that hour was left out.
+  const bool is_later = then != before && OffsetAt(clock - then) == then;
+  return is_later ? clock - then : first;
+}
 
 ZonePointer DescribedZone(std::string_view vtimezone) {
   static std::map<std::string, ZonePointer, std::less<>> known;

@@ -13,8 +13,13 @@ namespace kestrelon::desktop {
 class CalendarZone {
  public:
   virtual ~CalendarZone() = default;
-  // Seconds since 1970 of a time of this zone.
-  virtual int64_t ToUnixTime(const DateParts& parts) const = 0;
+  // Seconds since 1970 of a time of this zone. Of a time that the clocks show twice, the first; one
+  // that they leave out is counted on as if they had not been changed yet.
+  int64_t ToUnixTime(const DateParts& parts) const;
+
+ protected:
+  // Seconds that the zone is ahead of UTC at a moment, in seconds since 1970.
+  virtual int64_t OffsetAt(int64_t time) const = 0;
 };
 
 // As a VTIMEZONE component describes it. nullptr for one that no program means seriously: what is

@@ -72,6 +72,28 @@ TEST_F(CalendarDocumentTest, ReadsTimesAsTheUsersLocalTime) {
   EXPECT_EQ(Show(*event, u"start"), "2026-11-21 05:15:00");
 }
 
+// The first of two equal hours; one that is left out counts on from the hour before it.
+TEST_F(CalendarDocumentTest, ReadsTheHoursInWhichClocksChange) {
+  const std::string described =
+      "BEGIN:VTIMEZONE\r\nTZID:America/New_York\r\nBEGIN:DAYLIGHT\r\nDTSTART:20070311T020000\r\n"
+      "RRULE:FREQ=YEARLY;BYMONTH=3;BYDAY=2SU\r\nTZOFFSETFROM:-0500\r\nTZOFFSETTO:-0400\r\n"
+      "END:DAYLIGHT\r\nBEGIN:STANDARD\r\nDTSTART:20071104T020000\r\n"
+      "RRULE:FREQ=YEARLY;BYMONTH=11;BYDAY=1SU\r\nTZOFFSETFROM:-0400\r\nTZOFFSETTO:-0500\r\n"
+      "END:STANDARD\r\nEND:VTIMEZONE\r\n";
+  for (const std::string& zone : {std::string(), described}) {
+    for (const auto& [time, start] : {std::pair("20261101T003000", "2026-11-01 05:30:00"),
+                                      std::pair("20261101T013000", "2026-11-01 06:30:00"),
+                                      std::pair("20261101T023000", "2026-11-01 08:30:00"),
+                                      std::pair("20260308T023000", "2026-03-08 08:30:00"),
+                                      std::pair("20260308T033000", "2026-03-08 08:30:00")}) {
+      const auto event = ReadCalendarItem(
+          InCalendar(zone + "BEGIN:VEVENT\r\nDTSTART;TZID=America/New_York:" + std::string(time) +
+                     "\r\nEND:VEVENT\r\n"));
+      EXPECT_EQ(Show(*event, u"start"), start) << time << zone;
+    }
+  }
+}
+
 // The states that programs write, complete or half so.
 TEST_F(CalendarDocumentTest, ReadsTheStateOfATask) {
   const struct {
