@@ -22,10 +22,28 @@ bool IsAddress(StringView text) {
   });
 }
 
+// The pieces between separators; one within quotes belongs to a name.
+std::vector<String> SplitNames(StringView text, char16_t separator) {
+  std::vector<String> pieces(1);
+  for (size_t i = 0; i < text.size(); ++i) {
+    const size_t closing = text[i] == u'"' ? text.find(u'"', i + 1) : StringView::npos;
+    if (closing != StringView::npos) {
+      pieces.back() += text.substr(i, closing - i);
+      i = closing;
+    }
+    if (text[i] == separator) {
+      pieces.emplace_back();
+    } else {
+      pieces.back() += text[i];
+    }
+  }
+  return pieces;
+}
+
 // The addresses that commas separate, as mail programs write them; the text itself where a piece is
 // none: names have commas too.
 std::vector<String> AddressesOf(const String& text) {
-  std::vector<String> pieces = Split(text, u",");
+  std::vector<String> pieces = SplitNames(text, u',');
   const bool are_addresses = std::all_of(pieces.begin(), pieces.end(), [](const String& piece) {
     return Trim(piece).empty() || !Recipient(piece, RecipientType::kTo).address().empty();
   });
@@ -124,7 +142,7 @@ Value Recipients::Add(const MethodArguments& arguments) {
 }
 
 void Recipients::AddEach(RecipientType type, StringView text) {
-  for (const String& part : Split(text, u";")) {
+  for (const String& part : SplitNames(text, u';')) {
     for (const String& name : AddressesOf(part)) {
       if (!Trim(name).empty()) recipients_.push_back(std::make_shared<Recipient>(name, type));
     }

@@ -172,8 +172,9 @@ TEST_F(MailItemTest, KeepsToAndTheRecipientsInStep) {
   const auto walk = recipients.Enumerate();
   while (const auto one = walk->Next()) names += one->ToObject().Get(u"Name").ToText() + u"|";
   EXPECT_EQ(names, u"copy@b.c|O'Brien|x@y.z|");
-  mail_.Put(u"CC", u"a@b.c, Ann <d@e.f>,; Lee, Bob <g@h.i>; x, y@z.z");
-  EXPECT_EQ(mail_.Get(u"CC").ToText(), u"a@b.c; Ann <d@e.f>; Lee, Bob <g@h.i>; x, y@z.z");
+  mail_.Put(u"CC", u"a@b.c, \"Lee; A, B\" <d@e.f>,; Lee, Bob <g@h.i>; 5\" x, y@z.z");
+  EXPECT_EQ(mail_.Get(u"CC").ToText(),
+            u"a@b.c; \"Lee; A, B\" <d@e.f>; Lee, Bob <g@h.i>; 5\" x, y@z.z");
   mail_.Put(u"CC", u"copy@b.c");
   EXPECT_EQ(FailureOf([&] { recipients.Call(u"Item", 4); }).number(), kArrayIndexOutOfBounds);
   EXPECT_EQ(FailureOf([&] { recipients.Call(u"Add", u" ; "); }).number(), kInvalidProcedureCall);
