@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <unordered_map>
 
+#include "desktop/outlook/formats/OutlookErrors.h"
 #include "desktop/outlook/store/EntryIds.h"
 #include "desktop/outlook/store/FolderNames.h"
 #include "desktop/outlook/store/Mailbox.h"
@@ -186,6 +187,7 @@ MailFolderPointer DefaultFolder(const MailStorePointer& store, int32_t default_f
   if (known == std::end(kDefaultFolders)) return nullptr;
   const fs::path path = store->path / known->name;
   if (!IsFolder(path)) {
+    if (!store->user.empty()) throw ObjectNotFound();
     try {
       MakeFolder(path);
       if (!IsFolder(path)) throw FileError(EACCES, path);

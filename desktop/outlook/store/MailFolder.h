@@ -77,7 +77,8 @@ MailStorePointer SharedStore(StringView user);
 MailStorePointer StoreById(StringView store_id);
 
 // OlDefaultFolders: 6 Inbox, 9 Calendar, 10 Contacts, 13 Tasks, 16 Drafts; 3 (Deleted Items),
-// 4 (Outbox) and 5 (Sent Items) likewise. nullptr for any other. Made when missing.
+// 4 (Outbox) and 5 (Sent Items) likewise. nullptr for any other. Made when missing in the user's
+// own mailbox; error 0x8004010F when another user's lacks it.
 MailFolderPointer DefaultFolder(const MailStorePointer& store, int32_t default_folder);
 // The default folders that are there, then the others by name.
 std::vector<MailFolderPointer> TopFolders(const MailStorePointer& store);

@@ -72,6 +72,8 @@ TEST_F(FoldersTest, OfOtherUsersOpenForTheirNames) {
   EXPECT_EQ(NumberOf([&] { outlook_.CallChild(u"ActiveExplorer").Call(u"AddToSelection", item); }),
             kNotFound);
   EXPECT_EQ(calendar.Get(u"FolderPath").ToText(), u"\\\\Ann Lee\\Calendar");
+  EXPECT_EQ(NumberOf([&] { session_.Call(u"GetSharedDefaultFolder", ann, kTasks); }), kNotFound);
+  EXPECT_FALSE(fs::exists(Path("box/Shared/Ann Lee/Tasks"))) << "her mailbox is hers to change";
   for (const auto* name : {u"Bo", u"bo@example.org", u"../Ann Lee", u""}) {
     const Object unknown = session_.CallChild(u"CreateRecipient", name);
     EXPECT_EQ(unknown.Get(u"Resolved").ToBoolean(), String(name).find(u'@') != String::npos);
