@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "automation/AutomationError.h"
+#include "desktop/locale/DateText.h"
 #include "desktop/outlook/formats/ContactProperties.h"
 #include "desktop/outlook/formats/NewUid.h"
 #include "desktop/outlook/formats/UserFieldLines.h"
@@ -484,7 +485,7 @@ void Contact::PutTelephone(const ContactProperty& property, const String& text) 
 }
 
 void Contact::PutDay(const ContactProperty& property, const Value& value) {
-  Date date = value.ToDate();
+  Date date = value.IsString() ? DateFromUserText(value.AsString()) : value.ToDate();
   date.days = std::floor(date.days);
   if (Get(LowerCase(property.name)).AsDate() == date) return;
   const auto line = card_.FindSlot(property.lines, property.slot);

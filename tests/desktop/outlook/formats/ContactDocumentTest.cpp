@@ -223,7 +223,17 @@ TEST(ContactDocument, DistributionListsHaveTheirOwnProperties) {
   EXPECT_EQ(ErrorOf([&] { list->Get(u"firstname"); }), 438);
   EXPECT_EQ(ErrorOf([&] { list->Put(u"membercount", 1); }), 440);
   EXPECT_EQ(ErrorOf([&] { NewContact()->Get(u"dlname"); }), 438);
-  EXPECT_EQ(ErrorOf([&] { NewContact()->Put(u"birthday", u"soon"); }), 13);
+}
+
+TEST(ContactDocument, TakesDaysAsUsersTypeThem) {
+  const auto item = NewContact();
+  for (const char16_t* text : {u"15 Apr 1996", u"4/15/1996", u"1996-04-15", u"15.4.1996 10:30"}) {
+    item->Put(u"birthday", kNoDate);
+    item->Put(u"birthday", text);
+    EXPECT_THAT(item->content(), HasSubstr("BDAY:1996-04-15\r\n")) << ToUtf8(text);
+  }
+  EXPECT_EQ(ErrorOf([&] { item->Put(u"birthday", u"soon"); }), 13);
+  EXPECT_EQ(ErrorOf([&] { item->Put(u"birthday", u"31 Apr 1996"); }), 13);
 }
 
 TEST(ContactDocument, Utf16StaysUtf16) {
