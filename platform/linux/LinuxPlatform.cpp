@@ -110,9 +110,11 @@ int32_t LinuxPlatform::GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* b
 void LinuxPlatform::MakeTempFolder() {
   const std::filesystem::path shared = desktop::TempFolder();
   const String name = FromUtf8(shared.string());
-  // A path that ANSI text cannot name would lead nowhere.
+  // A path that ANSI text cannot name would lead nowhere, and without one that can be written
+  // members would put their files into the current folder.
   const bool is_ansi = FromAnsi(ToAnsi(name)) == name;
-  temp_folder_.emplace("kestrelon-", is_ansi ? shared : std::filesystem::path("/tmp"));
+  if (is_ansi && !IgnoreFailures([&] { temp_folder_.emplace("kestrelon-", shared); })) return;
+  temp_folder_.emplace("kestrelon-", std::filesystem::path("/tmp"));
 }
 
 uint32_t LinuxPlatform::GetTempPathAnsi(uint32_t size, char* buffer) {

@@ -2,7 +2,8 @@
 //
 // The locale is that of the environment (LC_ALL, LC_TIME, LC_MONETARY, LANG). Texts of ANSI calls
 // are Windows-1252; characters that it lacks become "?". The temporary folder is a private one in
-// $TMPDIR, or in /tmp where the name of that has such a character, and goes with the platform.
+// $TMPDIR, or in /tmp where the name of that has such a character or nothing can be written there,
+// and goes with the platform.
 #pragma once
 
 #include <functional>

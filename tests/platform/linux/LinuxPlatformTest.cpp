@@ -41,6 +41,13 @@ TEST_F(SystemServices, GuidsAreRandomAndInRegistryForm) {
   EXPECT_NE(first, second);
 }
 
+TEST_F(SystemServices, ThereIsATemporaryFolderWhateverTheEnvironmentSays) {
+  const ChangedEnvironment variable("TMPDIR", "/dev/null/missing");
+  char buffer[255];
+  const uint32_t length = platform.GetTempPathAnsi(sizeof buffer, buffer);
+  EXPECT_TRUE(std::string_view(buffer, length).starts_with("/tmp/kestrelon-"));
+}
+
 TEST_F(SystemServices, OnlyPrintScreenGoingDownTakesAPicture) {
   const desktop::RecordingOpener program("$#");
   const ChangedEnvironment variable("KESTRELON_SCREENSHOT", program.program());
