@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "desktop/outlook/formats/OutlookErrors.h"
 #include "desktop/outlook/store/EntryIds.h"
 #include "desktop/outlook/store/MailFolder.h"
 #include "desktop/outlook/store/Mailbox.h"
@@ -141,7 +142,7 @@ TEST_F(MailFolderTest, MailboxesOfOthersAreFoundByName) {
   ASSERT_EQ(lchown((real / "Tasks").c_str(), 12345, 12345), 0);
   EXPECT_THAT(Names(TopFolders(ann)), ElementsAre(u"Contacts"));
   EXPECT_EQ(FolderById(ann, IdOf("1f:Tasks")), nullptr);
-  EXPECT_EQ(NumberOf([&] { DefaultFolder(ann, kTasks); }), kPermissionDenied);
+  EXPECT_EQ(NumberOf([&] { DefaultFolder(ann, kTasks); }), kObjectNotFound);
 }
 
 TEST_F(MailFolderTest, TheSessionIsSeenByEveryProgram) {
