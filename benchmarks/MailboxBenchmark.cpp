@@ -126,16 +126,24 @@ Measures Measure(int contacts) {
   Measures measures;
   ReadEveryFile(folder);  // warms the cache
   measures.read_floor = MedianSeconds(kRounds, [&] { ReadEveryFile(folder); });
-  Page page;
   int next = contacts;
-  const auto export_next = [&] { page.Call(u"AddUpdateContactXML", {Record(next++), true, true}); };
+  const auto export_next = [&next](Page& page) {
+    page.Call(u"AddUpdateContactXML", {Record(next++), true, true});
+  };
   Page().Call(u"SetContactFolder", {u"Contacts"});  // notes the order of the files
-  measures.first_export = MedianSeconds(kRounds, [&] {
-    page.Call(u"CleanUpOutlook", {});
-    page.Call(u"SetContactFolder", {u"Contacts"});
-    export_next();
-  });
-  measures.next_export = MedianSeconds(kExports, export_next);
+  std::vector<double> times;
+  for (int round = 0; round < kRounds; ++round) {
+    Page page;
+    times.push_back(Seconds([&] {
+      page.Call(u"SetContactFolder", {u"Contacts"});
+      export_next(page);
+    }));
+  }
+  measures.first_export = Median(times);
+  Page page;
+  page.Call(u"SetContactFolder", {u"Contacts"});
+  export_next(page);
+  measures.next_export = MedianSeconds(kExports, [&] { export_next(page); });
   int copy = 0;
   const std::string card = Card(contacts);
   measures.write_floor = MedianSeconds(
