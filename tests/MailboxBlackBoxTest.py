@@ -49,6 +49,16 @@ class Mailbox(World):
         self.mailbox("list", "Nowhere", status=1)
         self.assertIn('"Nowhere"', self.error)
 
+    def test_finds_folders_by_the_end_of_their_path(self):
+        for path in ("Team", "Team/Old%2FGone", "Team/Clients", "Team/Clients/Team"):
+            (self.home / "mailbox/Contacts" / path).mkdir(parents=True)
+        for path in ("Team/Old%2FGone", "Team/Clients/Team"):
+            (self.home / "mailbox/Contacts" / path / "ann.vcf").write_bytes(ANN.encode())
+        for name, items in [("old/gone", 1), ("contacts/team/OLD/gone", 1), ("contacts/team", 0),
+                            ("Contacts/Team/Clients/team", 1)]:
+            self.assertEqual(len(self.mailbox("list", name, "--json")), items, name)
+        self.mailbox("list", "team", status=1)
+
     def test_imports_lists_and_shows_items(self):
         ids = self.import_all()
         self.assertEqual(list(ids), ["Ann \x1b[2JLee", "Board", "Käse kaufen", "Hallo"])
