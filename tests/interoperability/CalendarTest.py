@@ -7,51 +7,6 @@ import icalendar
 
 from World import World
 
-WEEKLY = """BEGIN:VCALENDAR
-VERSION:2.0
-PRODID:-//Some//Phone//EN
-X-WR-CALNAME:Büro
-BEGIN:VTIMEZONE
-TZID:/odd/Berlin
-BEGIN:STANDARD
-DTSTART:19701025T030000
-TZOFFSETFROM:+0200
-TZOFFSETTO:+0100
-RRULE:FREQ=YEARLY;BYMONTH=10;BYDAY=-1SU
-END:STANDARD
-BEGIN:DAYLIGHT
-DTSTART:19700329T020000
-TZOFFSETFROM:+0100
-TZOFFSETTO:+0200
-RRULE:FREQ=YEARLY;BYMONTH=3;BYDAY=-1SU
-END:DAYLIGHT
-END:VTIMEZONE
-BEGIN:VEVENT
-UID:weekly@example.com
-DTSTAMP:20261101T000000Z
-SUMMARY;LANGUAGE=de:Jour fixe\\, kur
- z
-DTSTART;TZID=/odd/Berlin:20261123T090000
-DURATION:PT30M
-RRULE:FREQ=WEEKLY
-ATTENDEE;CN="Zoë: Peña";X-ODD=1:mailto:zoe@example.com
-BEGIN:VALARM
-ACTION:DISPLAY
-TRIGGER:-PT15M
-DESCRIPTION:x
-END:VALARM
-END:VEVENT
-BEGIN:VEVENT
-UID:weekly@example.com
-RECURRENCE-ID;TZID=/odd/Berlin:20261130T090000
-DTSTAMP:20261101T000000Z
-SUMMARY:Ausnahme
-DTSTART;TZID=/odd/Berlin:20261130T100000
-DURATION:PT30M
-END:VEVENT
-END:VCALENDAR
-""".replace("\n", "\r\n").encode()
-
 CHANGED = rb"(DTSTAMP|LAST-MODIFIED|SEQUENCE)[:;]"
 
 
@@ -83,16 +38,6 @@ class Appointments(World):
                   for line in event["X-KESTRELON-PROPERTY"]}
         self.assertEqual(stamps, {"Kestrelon": "true", "guid": "{GUID-1}", "ACID": "Ä1"})
         self.assertIn("10:00-11:30 Treffen Köln", self.khal("list", "2026-11-25", "2026-11-26"))
-
-    def test_a_series_keeps_its_exception_and_its_time_zone(self):
-        self.put("Calendar/weekly.ics", WEEKLY)
-        self.stamp("Jour fixe, kurz")
-        after = (self.mailbox / "Calendar/weekly.ics").read_bytes()
-        self.assert_untouched(WEEKLY, after, CHANGED)
-        series, exception = components(after, "VEVENT")
-        self.assertIn("X-KESTRELON-PROPERTY", series)
-        self.assertNotIn("X-KESTRELON-PROPERTY", exception)
-        self.assertIn("10:00-10:30 Ausnahme", self.khal("list", "2026-11-30", "2026-12-01"))
 
     def test_a_new_one_is_shown_as_a_file_that_calendars_take(self):
         content = self.show_by(
@@ -144,22 +89,6 @@ class Tasks(World):
         self.assertEqual(self.member("CheckIfSynchronised", strEntryID="T-1", strItemType="task"),
                          "Angebot für Köln; zwei, drei in folder Tasks.",
                          "todoman kept the stamp")
-
-    def test_one_of_icalendar_is_imported(self):
-        calendar, todo = icalendar.Calendar(), icalendar.Todo()
-        calendar.add("version", "2.0")
-        calendar.add("prodid", "-//icalendar//EN")
-        todo.add("uid", "odd/name@example.com")
-        todo.add("summary", "Käse " * 40 + "Ende")
-        todo.add("description", "eins\nzwei; drei, vier")
-        todo.add("percent-complete", 25)
-        todo.add("class", "PRIVATE")
-        calendar.add_component(todo)
-        self.put("Tasks/x.ics", calendar.to_ical())
-        fields, _ = self.import_task("Käse " * 40 + "Ende")
-        self.assertEqual((fields[1], fields[6], fields[7]),
-                         ("eins\r\nzwei; drei, vier", "25", "2"))
-
 
 if __name__ == "__main__":
     unittest.main()

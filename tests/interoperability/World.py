@@ -54,8 +54,7 @@ def content_lines(content):
     """The lines of a vCard or iCalendar file as bytes, each with its continuation lines."""
     lines = []
     for line in content.splitlines(keepends=True):
-        soft_break = lines and re.search(rb"QUOTED-PRINTABLE[^:]*:(.|\s)*=\r?\n$", lines[-1])
-        if lines and (line[:1] in b" \t" or soft_break):
+        if lines and line[:1] in b" \t":
             lines[-1] += line
         else:
             lines.append(line)

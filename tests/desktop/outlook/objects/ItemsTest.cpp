@@ -148,17 +148,5 @@ TEST_F(ItemsTest, ShowsItemsInTheirFilesAndUnsavedOnesAsCopies) {
   EXPECT_EQ(Items(kCalendar).Get(u"Count").ToLong(), 0);
 }
 
-TEST_F(ItemsTest, SendsAContactAsACard) {
-  const Object contact = Items(kContacts).CallChild(u"Add");
-  contact.Put(u"FirstName", u"Ann");
-  contact.Put(u"LastName", u"Lee");
-  const Object mail = contact.CallChild(u"ForwardAsVcard");
-  EXPECT_EQ(mail.Get(u"Subject").ToText(), u"FW: Ann Lee");
-  EXPECT_EQ(EachOf(mail.GetChild(u"Attachments"), u"FileName"), u"Ann Lee.vcf|");
-  mail.Call(u"save");
-  EXPECT_EQ(FilesIn("Drafts").size(), 1u);
-  EXPECT_EQ(Items(kContacts).Get(u"Count").ToLong(), 0);
-}
-
 }  // namespace
 }  // namespace kestrelon::desktop
