@@ -2,15 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 
 #include "outlook/ContactRecords.h"
 #include "outlook/MatchIndex.h"
 #include "tests/outlook/ScriptedContacts.h"
+#include "tests/support/Dice.h"
 
 namespace kestrelon {
 namespace {
 
+using testing::Dice;
 using testing::ItemPath;
 using testing::ScriptedContact;
 using testing::ScriptedDesktop;
@@ -55,15 +56,6 @@ Outcome WalkRows(const std::vector<ScriptedContact>& indexed,
   }
   return {};
 }
-
-class Dice {
- public:
-  size_t Roll(size_t sides) { return std::uniform_int_distribution<size_t>(0, sides - 1)(engine_); }
-  String OneOf(const std::vector<String>& choices) { return choices[Roll(choices.size())]; }
-
- private:
-  std::mt19937 engine_{20261121};
-};
 
 // Few texts, which differ in case and braces and make each other up when they are joined.
 const std::vector<String> kIds = {u"a",   u"A",      u"{a}",      u"{A}", u"{{a}}",

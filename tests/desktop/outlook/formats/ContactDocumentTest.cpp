@@ -3,8 +3,8 @@
 #include <random>
 #include <set>
 
-#include "automation/AutomationError.h"
 #include "desktop/outlook/formats/ContactDocument.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
 namespace {
@@ -17,11 +17,6 @@ String TextOf(const ItemDocument& item, StringView property) { return item.Get(p
 
 std::string CardOf(std::string_view lines) {
   return "BEGIN:VCARD\r\n" + std::string(lines) + "END:VCARD\r\n";
-}
-
-int32_t ErrorOf(const std::function<void()>& call) {
-  const auto error = IgnoreFailures(call);
-  return error ? error->number() : 0;
 }
 
 // A folded one with groups and comments.
@@ -53,62 +48,36 @@ constexpr const char* kNew =
     "RELATED;TYPE=spouse;VALUE=text:Bob\r\nEND:VCARD\r\n";
 
 TEST(ContactDocument, ReadsTheCardsOfOtherPrograms) {
-  struct Case {
-    const char* card;
-    std::vector<std::pair<String, String>> expected;
+  // Properties with their values, and " | " between them.
+  const std::pair<const char*, String> cases[] = {
+      {kModern,
+       u"firstname=Ann | middlename=Mary Lou | title=Dr. | lastname=van der Berg | "
+       u"fullname=Dr. Ann van der Berg | email1address=b@example.org | "
+       u"email2address=a@example.org | email3address= | businessfaxnumber=1 | "
+       u"businesstelephonenumber=3 | business2telephonenumber=2 | mobiletelephonenumber=4 | "
+       u"hometelephonenumber=5 | othertelephonenumber=6 | "
+       u"homeaddressstreet=Flat 3\r\n2 Low St | "
+       u"businessaddressstreet=1 High St\r\nFloor 2, rear | "
+       u"businessaddress=1 High St\r\nFloor 2, rear\r\nLeeds, LS1\r\nUK | "
+       u"companyname=Acme; Sons | department=R&D | body=a\r\nb;c\\ | birthday=1996-04-15 | "
+       u"sensitivity=2 | categories=x, y,z | spouse=Bob | managername=Carl | "
+       u"fileas=van der Berg, Ann Mary Lou"},
+      {kOld,
+       u"lastname=Müller | firstname=Jürgen; | fullname=Jürgen; Müller | "
+       u"businesstelephonenumber=1 | mobiletelephonenumber=2 | companyname=Straße | "
+       u"department=Bau | businessaddressstreet=Line 1\r\nLine 2 | "
+       u"businessaddresscity=Köln | jobtitle=Grüße"},
+      {kNew,
+       u"firstname=Ann Mary | lastname=Lee | businesstelephonenumber=+1-555 ext. 7 | "
+       u"mobiletelephonenumber=2 | birthday=4501-01-01 | anniversary=2009-08-08 | spouse=Bob"},
   };
-  const Case cases[] = {{kModern,
-                         {{u"firstname", u"Ann"},
-                          {u"middlename", u"Mary Lou"},
-                          {u"title", u"Dr."},
-                          {u"lastname", u"van der Berg"},
-                          {u"fullname", u"Dr. Ann van der Berg"},
-                          {u"email1address", u"b@example.org"},
-                          {u"email2address", u"a@example.org"},
-                          {u"email3address", u""},
-                          {u"businessfaxnumber", u"1"},
-                          {u"businesstelephonenumber", u"3"},
-                          {u"business2telephonenumber", u"2"},
-                          {u"mobiletelephonenumber", u"4"},
-                          {u"hometelephonenumber", u"5"},
-                          {u"othertelephonenumber", u"6"},
-                          {u"homeaddressstreet", u"Flat 3\r\n2 Low St"},
-                          {u"businessaddressstreet", u"1 High St\r\nFloor 2, rear"},
-                          {u"businessaddress", u"1 High St\r\nFloor 2, rear\r\nLeeds, LS1\r\nUK"},
-                          {u"companyname", u"Acme; Sons"},
-                          {u"department", u"R&D"},
-                          {u"body", u"a\r\nb;c\\"},
-                          {u"birthday", u"1996-04-15"},
-                          {u"sensitivity", u"2"},
-                          {u"categories", u"x, y,z"},
-                          {u"spouse", u"Bob"},
-                          {u"managername", u"Carl"},
-                          {u"fileas", u"van der Berg, Ann Mary Lou"}}},
-                        {kOld,
-                         {{u"lastname", u"Müller"},
-                          {u"firstname", u"Jürgen;"},
-                          {u"fullname", u"Jürgen; Müller"},
-                          {u"businesstelephonenumber", u"1"},
-                          {u"mobiletelephonenumber", u"2"},
-                          {u"companyname", u"Straße"},
-                          {u"department", u"Bau"},
-                          {u"businessaddressstreet", u"Line 1\r\nLine 2"},
-                          {u"businessaddresscity", u"Köln"},
-                          {u"jobtitle", u"Grüße"}}},
-                        {kNew,
-                         {{u"firstname", u"Ann Mary"},
-                          {u"lastname", u"Lee"},
-                          {u"businesstelephonenumber", u"+1-555 ext. 7"},
-                          {u"mobiletelephonenumber", u"2"},
-                          {u"birthday", u"4501-01-01"},
-                          {u"anniversary", u"2009-08-08"},
-                          {u"spouse", u"Bob"}}}};
-  for (const Case& each : cases) {
-    const auto item = ReadContact(each.card);
-    for (const auto& [property, text] : each.expected) {
-      EXPECT_EQ(ToUtf8(TextOf(*item, property)), ToUtf8(text)) << ToUtf8(property);
+  for (const auto& [card, expected] : cases) {
+    const auto item = ReadContact(card);
+    for (const String& line : Split(expected, u" | ")) {
+      const String property = line.substr(0, line.find(u'='));
+      EXPECT_EQ(ToUtf8(property + u"=" + TextOf(*item, property)), ToUtf8(line));
     }
-    EXPECT_EQ(item->content(), each.card);
+    EXPECT_EQ(item->content(), card);
   }
 }
 
@@ -220,9 +189,9 @@ TEST(ContactDocument, DistributionListsHaveTheirOwnProperties) {
   EXPECT_EQ(list->Get(u"membercount").ToLong(), 2);
   list->Put(u"dlname", u"Crew");
   EXPECT_EQ(TextOf(*list, u"subject"), u"Crew");
-  EXPECT_EQ(ErrorOf([&] { list->Get(u"firstname"); }), 438);
-  EXPECT_EQ(ErrorOf([&] { list->Put(u"membercount", 1); }), 440);
-  EXPECT_EQ(ErrorOf([&] { NewContact()->Get(u"dlname"); }), 438);
+  EXPECT_EQ(NumberOf([&] { list->Get(u"firstname"); }), 438);
+  EXPECT_EQ(NumberOf([&] { list->Put(u"membercount", 1); }), 440);
+  EXPECT_EQ(NumberOf([&] { NewContact()->Get(u"dlname"); }), 438);
 }
 
 TEST(ContactDocument, TakesDaysAsUsersTypeThem) {
@@ -232,8 +201,8 @@ TEST(ContactDocument, TakesDaysAsUsersTypeThem) {
     item->Put(u"birthday", text);
     EXPECT_THAT(item->content(), HasSubstr("BDAY:1996-04-15\r\n")) << ToUtf8(text);
   }
-  EXPECT_EQ(ErrorOf([&] { item->Put(u"birthday", u"soon"); }), 13);
-  EXPECT_EQ(ErrorOf([&] { item->Put(u"birthday", u"31 Apr 1996"); }), 13);
+  EXPECT_EQ(NumberOf([&] { item->Put(u"birthday", u"soon"); }), 13);
+  EXPECT_EQ(NumberOf([&] { item->Put(u"birthday", u"31 Apr 1996"); }), 13);
 }
 
 TEST(ContactDocument, Utf16StaysUtf16) {
@@ -264,32 +233,21 @@ TEST(ContactDocument, FilesOfCards) {
             CardOf("VERSION:3.0\r\nN:A;;;;\r\nFN:A\r\nEMAIL;TYPE=INTERNET:b@x\r\n"));
 }
 
+std::vector<std::string> Lines(const char* list) {
+  std::vector<std::string> lines;
+  for (const String& line : Split(FromUtf8(list), u"|")) lines.push_back(ToUtf8(line) + "\r\n");
+  return lines;
+}
+
 // Random texts into random cards: they are read back, a second put changes nothing, and lines of
 // other programs stay.
 TEST(ContactDocument, WhatIsPutIsReadBackAndTheRestStays) {
-  const std::vector<std::string> foreign = {"X-FOO;A=\"b:c\":d\\,e\r\n f\r\n",
-                                            "# note\r\n",
-                                            "g1.IMPP:xmpp:a@b\r\n",
-                                            "GEO:1;2\r\n",
-                                            "\r\n",
-                                            "PHOTO;ENCODING=B:AA\r\n AA\r\n"};
-  const std::vector<std::string> known = {"TEL;TYPE=WORK:1\r\n",
-                                          "TEL;TYPE=WORK,PREF:2\r\n",
-                                          "TEL;CELL:3\r\n",
-                                          "TEL;TYPE=CELL:4\r\n",
-                                          "EMAIL:a\r\n",
-                                          "EMAIL;PREF=2:b\r\n",
-                                          "EMAIL;TYPE=pref:c\r\n",
-                                          "EMAIL:d\r\n",
-                                          "ORG:a;b;c\r\n",
-                                          "ADR:;;a;b\r\n",
-                                          "ADR;HOME:;x;y;;;;\r\n",
-                                          "N:a;b\r\n",
-                                          "FN:b a\r\n",
-                                          "NOTE:x\r\n",
-                                          "NOTE;ENCODING=QUOTED-PRINTABLE:y=0Az=\r\n=20\r\n",
-                                          "X-MS-SPOUSE:s\r\n",
-                                          "URL:http://a,b\r\n"};
+  const std::vector<std::string> foreign = Lines(
+      "X-FOO;A=\"b:c\":d\\,e\r\n f|# note|g1.IMPP:xmpp:a@b|GEO:1;2||PHOTO;ENCODING=B:AA\r\n AA");
+  const std::vector<std::string> known = Lines(
+      "TEL;TYPE=WORK:1|TEL;TYPE=WORK,PREF:2|TEL;CELL:3|TEL;TYPE=CELL:4|EMAIL:a|EMAIL;PREF=2:b|"
+      "EMAIL;TYPE=pref:c|EMAIL:d|ORG:a;b;c|ADR:;;a;b|ADR;HOME:;x;y;;;;|N:a;b|FN:b a|NOTE:x|"
+      "NOTE;ENCODING=QUOTED-PRINTABLE:y=0Az=\r\n=20|X-MS-SPOUSE:s|URL:http://a,b");
   const std::vector<String> texts = {
       u"", u"x", u"a;b,c\\n\r\n", u"ä ß€", String(200, u'é'), u" two  words ", u"=3D", u"+1 (2) 3"};
   const std::set<StringView> skipped = {u"Birthday",    u"Anniversary", u"Sensitivity",
@@ -298,8 +256,7 @@ TEST(ContactDocument, WhatIsPutIsReadBackAndTheRestStays) {
   std::mt19937 random(7);
   const auto pick = [&](const auto& from) { return from[random() % from.size()]; };
   for (int round = 0; round < 3000; ++round) {
-    std::string body =
-        pick(std::vector<std::string>{"VERSION:2.1\r\n", "VERSION:3.0\r\n", "VERSION:4.0\r\n"});
+    std::string body = pick(Lines("VERSION:2.1|VERSION:3.0|VERSION:4.0"));
     std::vector<std::string> kept;
     for (int i = 0; i < 12; ++i) {
       const bool other = random() % 3 == 0;

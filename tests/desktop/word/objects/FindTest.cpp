@@ -1,69 +1,40 @@
 #include <gtest/gtest.h>
 
+#include "documents/TagReplacement.h"
 #include "tests/desktop/word/objects/WordWorld.h"
+#include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon::desktop::word {
 namespace {
 
-constexpr int32_t kContinue = 1;
 constexpr int32_t kAll = 2;
 
 // What a letter does with each of its tags.
-void ReplaceInBody(const Object& word, const Object& document, StringView tag, StringView value) {
-  document.Call(u"Select");
-  while (true) {
-    const Object selection = word.GetChild(u"Selection");
-    const Object find = selection.GetChild(u"Find");
-    find.Put(u"MatchCase", false);
-    find.Put(u"forward", true);
-    find.Put(u"wrap", kContinue);
-    find.Put(u"text", tag);
-    find.Call(u"Execute");
-    if (!find.Get(u"Found").ToBoolean()) return;
-    if (!value.empty()) {
-      selection.Call(u"TypeText", value);
-    } else {
-      const Object range =
-          document.CallChild(u"Range", Named(u"Start", selection.GetChild(u"Range").Get(u"Start")),
-                             Named(u"End", selection.GetChild(u"Range").Get(u"End")));
-      if (range.Call(u"Information", 12).ToBoolean()) {
-        range.Call(u"moveStart", 1, -1);
-        if (FailureOf([&] { range.Call(u"Delete"); }).number() == 5904) {
-          range.Call(u"moveStart", 1, 1);
-          range.Call(u"Delete");
-        }
-      } else {
-        range.Call(u"Delete", Named(u"count", 0));
-      }
-    }
-    document.Call(u"Select");
-  }
-}
-
-void ReplaceAllIn(const Object& range, StringView tag, StringView value) {
-  const Object find = range.GetChild(u"Find");
-  find.Call(u"ClearFormatting");
-  find.GetChild(u"Replacement").Call(u"ClearFormatting");
-  find.Put(u"Text", tag);
-  find.GetChild(u"Replacement").Put(u"Text", value);
-  find.Put(u"Wrap", kContinue);
-  find.Call(u"Execute", Named(u"Replace", kAll));
+void ReplaceTag(const WordWorld& world, const Object& letter, StringView tag, StringView value,
+                const String& in_header = u"") {
+  kestrelon::testing::ScriptedDesktop screen;
+  ControlContext context{screen};
+  context.state.tag_table.Reset(0);
+  context.state.tag_table.Tags[0] = tag;
+  context.state.tag_table.TagReplacements[0] = value;
+  ReplaceOneTag(context, letter, world.word, 0, in_header);
+  EXPECT_TRUE(screen.messages.empty());
 }
 
 TEST(Letter, ReplacesTagsOfTheBodyBySelectionAndTyping) {
   const WordWorld world;
   const Object letter =
       world.NewLetter(P(R("Dear <na"), R("me"), R(">, <NAME>!")) + P(R("<gone><gone>")));
-  ReplaceInBody(world.word, letter, u"<name>", u"O'Neill^p & S\u00F6hne");
-  ReplaceInBody(world.word, letter, u"<gone>", u"");
-  ReplaceInBody(world.word, letter, u"<absent>", u"x");
+  ReplaceTag(world, letter, u"<name>", u"O'Neill^p & S\u00F6hne");
+  ReplaceTag(world, letter, u"<gone>", u"");
+  ReplaceTag(world, letter, u"<absent>", u"x");
   EXPECT_EQ(TextOf(letter), u"Dear O'Neill^p & S\u00F6hne, O'Neill^p & S\u00F6hne!\r\r");
 }
 
 TEST(Letter, ABlankValueInACellTakesTheCharacterBeforeItWhereWordAllowsIt) {
   const WordWorld world;
   const Object letter = world.NewLetter(Tbl(Tr(C("a-<x>b"), C("<x>"))) + P(R("")));
-  ReplaceInBody(world.word, letter, u"<x>", u"");
+  ReplaceTag(world, letter, u"<x>", u"");
   const Object table = letter.GetChild(u"Tables", 1);
   EXPECT_EQ(table.CallChild(u"Cell", 1, 1).GetChild(u"Range").Get(u"Text").ToText(), u"ab\r\a");
   EXPECT_EQ(table.CallChild(u"Cell", 1, 2).GetChild(u"Range").Get(u"Text").ToText(), u"\r\a");
@@ -73,25 +44,15 @@ TEST(Letter, ReplacesInEveryStoryAndItsTextBoxes) {
   const WordWorld world;
   const Object letter =
       world.NewLetter(P(R("<x>")), P(R("to <X>")) + P(TextBox(P(R("box <x>")), P(R("box <x>")))));
-  int stories = 0;
-  const auto walk = letter.GetChild(u"StoryRanges").Enumerate();
-  while (const auto first = walk->Next()) {
-    for (Object story = first->ToObject(); story; story = story.GetChild(u"NextStoryRange")) {
-      ReplaceAllIn(story, u"<x>", u"you");
-      if (story.Get(u"StoryType").ToLong() != 7) continue;
-      ++stories;
-      const Object shapes = story.GetChild(u"ShapeRange");
-      ASSERT_EQ(shapes.Get(u"Count").ToLong(), 1);
-      const Object frame = shapes.GetChild(u"Item", 1).GetChild(u"TextFrame");
-      EXPECT_TRUE(frame.Get(u"HasText").ToBoolean());
-      ReplaceAllIn(frame.GetChild(u"TextRange"), u"<x>", u"you");
-      EXPECT_EQ(frame.GetChild(u"TextRange").Get(u"Text").ToText(), u"box you\r");
-    }
-  }
-  EXPECT_EQ(stories, 1);
+  ReplaceTag(world, letter, u"<x>", u"you", u"true");
   EXPECT_EQ(TextOf(letter), u"you\r");
   const String header = letter.GetChild(u"StoryRanges", 7).Get(u"Text").ToText();
   EXPECT_TRUE(header.starts_with(u"to you\r")) << ToUtf8(header);
+  const Object shapes = letter.GetChild(u"StoryRanges", 7).GetChild(u"ShapeRange");
+  ASSERT_EQ(shapes.Get(u"Count").ToLong(), 1);
+  const Object frame = shapes.GetChild(u"Item", 1).GetChild(u"TextFrame");
+  EXPECT_TRUE(frame.Get(u"HasText").ToBoolean());
+  EXPECT_EQ(frame.GetChild(u"TextRange").Get(u"Text").ToText(), u"box you\r");
   EXPECT_EQ(FailureOf([&] { letter.GetChild(u"StoryRanges", 6); }).number(), 5941);
 }
 

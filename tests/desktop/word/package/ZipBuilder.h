@@ -9,8 +9,8 @@
 namespace kestrelon::desktop::word {
 
 struct TestEntry {
-  std::string name;
-  std::string content;
+  std::string name = "x";
+  std::string content = "y";
   bool deflate = true;
   // What the headers say instead of the truth.
   std::optional<std::string> local_name = {};
