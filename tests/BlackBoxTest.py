@@ -182,13 +182,6 @@ class Session(World):
         leftovers = {path.name for path in self.home.iterdir()}
         self.assertEqual(leftovers, {"mailbox", "mailbox-victim", "Attachment.Doc"})
 
-    def test_reports_a_missing_template_as_documented(self):
-        (answer,) = self.session(self.letter(template="/missing.dotx"))
-        self.assertEqual(answer["messages"], [{
-            "text": "An error occurred whilst attempting to open file '/missing.dotx'. Check this "
-                    "file exists, and is in the location specified.",
-            "flags": 0, "title": None}])
-
 
 class Trace(World):
     def test_spells_out_every_call(self):

@@ -1,18 +1,14 @@
 // Reads, edits, writes and reads again whatever comes as a document. Input that begins like a zip
 // is a whole package; any other is the main part of one.
 #include <cstdint>
-#include <cstdlib>
 
 #include "tests/desktop/word/document/Builders.h"
+#include "tests/fuzz/Require.h"
 
 namespace kestrelon::desktop::word {
 namespace {
 
 constexpr int32_t kLongest = 1 << 20;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 std::vector<Story*> AllStories(Document& document) {
   std::vector<Story*> stories;

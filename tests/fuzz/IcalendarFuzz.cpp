@@ -2,19 +2,15 @@
 // its file, which stays an item of its kind.
 
 #include <cstdint>
-#include <cstdlib>
 
 #include "automation/AutomationError.h"
 #include "desktop/outlook/formats/CalendarDocument.h"
+#include "tests/fuzz/Require.h"
 
 namespace {
 
 using namespace kestrelon;
 using namespace kestrelon::desktop;
-
-void Require(bool condition) {
-  if (!condition) std::abort();
-}
 
 void ReadAll(const ItemDocument& item) {
   for (const StringView name : item.PropertyNames()) {

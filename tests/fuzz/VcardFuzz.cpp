@@ -1,18 +1,14 @@
 // Reads whatever comes as a card, puts every property, and reads what was put.
 #include <cstdint>
-#include <cstdlib>
 
 #include "automation/AutomationError.h"
 #include "desktop/outlook/formats/ContactDocument.h"
+#include "tests/fuzz/Require.h"
 
 namespace kestrelon::desktop {
 namespace {
 
 constexpr StringView kText = u"a;b,c\r\nß\\n=";
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 void TryCard(const std::string& content) {
   ClassOfCard(content);

@@ -107,8 +107,7 @@ class Written(World):
 
     def test_khard_shows_it(self):
         shown = self.khard("show", "Zoë")
-        for text in ("Zoë", "Käse & Söhne", "Hauptstr. 1", "2. Stock; links", "50667 Köln",
-                     "Bonn", "+49 221 1", "+49 170 5", "zm@example.org", "Leiterin \\ Einkauf"):
+        for text in ("Käse & Söhne", "2. Stock; links", "50667 Köln", "zm@example.org"):
             self.assertIn(text, shown)
         self.assertIn("+49 170 5", self.khard("phone", "--parsable", "zoe@example.com"))
 

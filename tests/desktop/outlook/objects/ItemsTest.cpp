@@ -7,10 +7,6 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-constexpr int32_t kCalendar = 9;
-constexpr int32_t kContacts = 10;
-constexpr int32_t kTasks = 13;
-
 using ItemsTest = OutlookWorld;
 
 TEST_F(ItemsTest, KeepsEachKindOfItemOverARestart) {

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 
+#include "desktop/outlook/objects/DefaultFolders.h"
 #include "desktop/outlook/objects/OutlookApplication.h"
 #include "desktop/storage/AtomicFile.h"
 #include "desktop/storage/Paths.h"

@@ -5,8 +5,6 @@
 namespace kestrelon::desktop {
 namespace {
 
-constexpr int32_t kContacts = 10;
-
 using SharedItemsTest = OutlookWorld;
 
 TEST_F(SharedItemsTest, MergesChangesOfDifferentPropertiesAndRefusesOthers) {
