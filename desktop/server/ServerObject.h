@@ -14,7 +14,6 @@
 //   };
 #pragma once
 
-#include <initializer_list>
 #include <memory>
 #include <unordered_map>
 #include <utility>

@@ -1,6 +1,5 @@
 #include "desktop/xml/NodeMembers.h"
 
-#include <algorithm>
 
 #include "desktop/xml/DocumentNode.h"
 #include "desktop/xml/LibxmlText.h"

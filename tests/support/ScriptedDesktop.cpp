@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "automation/TracingObject.h"
+#include "desktop/server/ServerObject.h"
 
 namespace kestrelon::testing {
 namespace {
@@ -31,24 +32,11 @@ class ScriptedObject final : public DispatchObject {
   std::unique_ptr<Enumerator> Enumerate() override {
     const Value elements = desktop_.Perform(path_ + ".Each");
     if (!elements.IsArray()) throw AutomationError(kNotACollection);
-    return std::make_unique<ArrayWalk>(elements.AsArray());
+    return std::make_unique<desktop::VectorEnumerator>(elements.AsArray());
   }
   String TypeName() const override { return FromUtf8(path_); }
 
  private:
-  class ArrayWalk final : public Enumerator {
-   public:
-    explicit ArrayWalk(Value::Array elements) : elements_(std::move(elements)) {}
-    std::optional<Value> Next() override {
-      if (next_ == elements_.size()) return std::nullopt;
-      return elements_[next_++];
-    }
-
-   private:
-    Value::Array elements_;
-    size_t next_ = 0;
-  };
-
   ScriptedDesktop& desktop_;
   std::string path_;
 };

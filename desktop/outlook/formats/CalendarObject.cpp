@@ -1,6 +1,5 @@
 #include "desktop/outlook/formats/CalendarObject.h"
 
-#include <algorithm>
 #include <ctime>
 
 #include "desktop/outlook/formats/UserFieldLines.h"

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 
 #include "automation/AutomationError.h"
 #include "desktop/outlook/formats/CalendarZone.h"
@@ -15,18 +14,6 @@ std::optional<Date> TryMakeDate(const DateParts& parts) {
   std::optional<Date> date;
   IgnoreFailures([&] { date = MakeDate(parts); });
   return date;
-}
-
-std::tm ToTm(const DateParts& parts) {
-  std::tm time{};
-  time.tm_year = parts.year - 1900;
-  time.tm_mon = parts.month - 1;
-  time.tm_mday = parts.day;
-  time.tm_hour = parts.hour;
-  time.tm_min = parts.minute;
-  time.tm_sec = parts.second;
-  time.tm_isdst = -1;
-  return time;
 }
 
 // The basic form of a time, or the extended one that some programs write ("2026-11-21T10:00:00Z").

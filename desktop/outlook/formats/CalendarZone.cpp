@@ -3,7 +3,6 @@
 #include <glib.h>
 #include <libical/ical.h>
 
-#include <ctime>
 #include <map>
 
 #include "desktop/outlook/formats/ContentLines.h"
@@ -18,13 +17,7 @@ constexpr size_t kLongestDescription = 64 * 1024;
 constexpr int kMostRules = 64;
 
 std::time_t AsUtc(const DateParts& parts) {
-  std::tm time{};
-  time.tm_year = parts.year - 1900;
-  time.tm_mon = parts.month - 1;
-  time.tm_mday = parts.day;
-  time.tm_hour = parts.hour;
-  time.tm_min = parts.minute;
-  time.tm_sec = parts.second;
+  std::tm time = ToTm(parts);
   return timegm(&time);
 }
 
@@ -117,6 +110,18 @@ ZonePointer Remember(std::map<std::string, ZonePointer, std::less<>>& known, std
 }
 
 }  // namespace
+
+std::tm ToTm(const DateParts& parts) {
+  std::tm time{};
+  time.tm_year = parts.year - 1900;
+  time.tm_mon = parts.month - 1;
+  time.tm_mday = parts.day;
+  time.tm_hour = parts.hour;
+  time.tm_min = parts.minute;
+  time.tm_sec = parts.second;
+  time.tm_isdst = -1;
+  return time;
+}
 
 int64_t CalendarZone::ToUnixTime(const DateParts& parts) const {
   constexpr int64_t kDay = 86400;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -9,6 +10,9 @@
 #include "automation/Date.h"
 
 namespace kestrelon::desktop {
+
+// As the C library takes it; whether clocks are forward is for it to find out.
+std::tm ToTm(const DateParts& parts);
 
 class CalendarZone {
  public:

@@ -9,7 +9,6 @@
 // a put of the value that is there already changes nothing.
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>

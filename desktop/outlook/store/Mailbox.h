@@ -5,7 +5,6 @@
 #pragma once
 
 #include <filesystem>
-#include <string_view>
 
 #include "automation/AutomationError.h"
 #include "automation/Text.h"
