@@ -1,12 +1,9 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "Control/InterfaceTable.h"
 #include "Control/OfficeConnection.h"
 #include "desktop/xml/XmlDocuments.h"
 #include "outlook/ContactFolder.h"
+#include "tests/outlook/OutlookMembers.h"
 #include "tests/outlook/ScriptedContacts.h"
-#include "tests/support/Failures.h"
 
 namespace kestrelon {
 namespace {
@@ -16,16 +13,12 @@ using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
-using testing::PlainMessage;
-using testing::ShownMessage;
 using testing::StampingCalls;
-using Lines = std::vector<std::string>;
 
-const std::string kSession = "Outlook.Application.GetNamespace(\"MAPI\")";
-const std::string kDefault = kSession + ".GetDefaultFolder(10)";
+const std::string kDefault = kNamespace + ".GetDefaultFolder(10)";
 const std::string kNew = "F.Items.Add()";
 
-class ContactFolder : public ::testing::Test {
+class ContactFolder : public OutlookMembers {
  protected:
   ContactFolder() {
     desktop.Answer(kDefault, {desktop.NamedObject("D")});
@@ -47,8 +40,6 @@ class ContactFolder : public ::testing::Test {
     desktop.Answer(name + ".User1", {Value(user1)});
   }
   std::string On(const std::string& path) const { return CallsOn(desktop, path); }
-  testing::ScriptedDesktop desktop;
-  ControlContext context{desktop};
 };
 
 TEST_F(ContactFolder, BindsTheLastSubfolderOfThatNameOrTheContacts) {
@@ -77,8 +68,8 @@ TEST_F(ContactFolder, BindsTheLastSubfolderOfThatNameOrTheContacts) {
     EXPECT_EQ(context.state.contact_folder_name, example.name);
     EXPECT_FALSE(context.state.is_match_index_built);
   }
-  EXPECT_EQ(desktop.log,
-            (Lines{"create Outlook.Application", kSession, kDefault, "D.Items", "D.Items.count"}));
+  EXPECT_EQ(desktop.log, (Lines{"create Outlook.Application", kNamespace, kDefault, "D.Items",
+                                "D.Items.count"}));
   EXPECT_TRUE(desktop.messages.empty());
   CleanUpOutlook(context);
   EXPECT_EQ(Bound(), u"");
@@ -91,13 +82,12 @@ TEST_F(ContactFolder, AFailureIsToldAndKeepsTheBinding) {
   const ShownMessage no_folder = PlainMessage(u"Could not find contacts folder");
   for (const auto& [line, message] :
        {std::pair<std::string, ShownMessage>("create Outlook.Application", no_outlook),
-        {kSession, no_outlook},
+        {kNamespace, no_outlook},
         {kDefault, no_folder},
         {"D.Folders.count", no_folder},
         {"D.Items.item(1)", no_folder}}) {
     desktop.messages.clear();
-    desktop.StopFailing();
-    desktop.Fail(line, AutomationError(kCannotCreateObject));
+    FailOnly(line, AutomationError(kCannotCreateObject));
     Bind(line.starts_with("D.Folders") ? u"Work" : u"Contacts");
     EXPECT_THAT(desktop.messages, ElementsAre(message)) << line;
     EXPECT_EQ(Bound(), u"D") << line;

@@ -1,12 +1,10 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <map>
 
 #include "Control/InterfaceTable.h"
 #include "automation/TracingObject.h"
 #include "desktop/xml/XmlDocuments.h"
 #include "outlook/ContactRecords.h"
+#include "tests/outlook/OutlookMembers.h"
 #include "tests/outlook/ScriptedContacts.h"
 
 namespace kestrelon {
@@ -15,16 +13,14 @@ namespace {
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::Not;
-using testing::PlainMessage;
 using testing::ScriptedContact;
 using testing::StampingCalls;
-using Lines = std::vector<std::string>;
 
 const String kAnn =
     u"<record id='1'><field name='FIRSTNAME' value='Ann'/><field name='LASTNAME' value='Lee'/>"
     u"<field name='EMAIL1ADDRESS' value='a@b'/><field name='LASTNAME' value='second'/></record>";
 
-class ContactRecords : public ::testing::Test {
+class ContactRecords : public OutlookMembers {
  protected:
   ContactRecords() {
     const Object xml = TraceObject(desktop::CreateXmlDocument(), "Xml", [this](const auto& line) {
@@ -41,8 +37,6 @@ class ContactRecords : public ::testing::Test {
   bool HasSaved(const std::string& path) const {
     return std::count(desktop.log.begin(), desktop.log.end(), path + ".save()") != 0;
   }
-  testing::ScriptedDesktop desktop;
-  ControlContext context{desktop};
   bool overwrite = false;
   bool match_by_name = false;
 };

@@ -1,8 +1,6 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "desktop/xml/XmlDocuments.h"
 #include "outlook/ContactRemoval.h"
+#include "tests/outlook/OutlookMembers.h"
 #include "tests/outlook/ScriptedContacts.h"
 
 namespace kestrelon {
@@ -10,13 +8,12 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::Not;
-using Lines = std::vector<std::string>;
 
 const std::string kDefault = "Outlook.Application.GetNamespace(\"MAPI\").GetDefaultFolder(10)";
 const std::string kStamp = ".UserProperties.Find(\"KESTID\")";
 const std::string kMark = ".UserProperties.Find(\"Kestrelon\")";
 
-class ContactRemoval : public ::testing::Test {
+class ContactRemoval : public OutlookMembers {
  protected:
   ContactRemoval() {
     desktop.Answer(kDefault, {desktop.NamedObject("D")});
@@ -51,8 +48,6 @@ class ContactRemoval : public ::testing::Test {
     }
     return changes;
   }
-  testing::ScriptedDesktop desktop;
-  ControlContext context{desktop};
 };
 
 const String kUnsynchronized =
@@ -96,8 +91,7 @@ TEST_F(ContactRemoval, SaysTheSameWhereNothingMatchesAndOtherwiseWhenItFails) {
   EXPECT_EQ(Remove(false), kUnsynchronized);
   EXPECT_EQ(Remove(true), kDeleted);
   for (const char* line : {"create Outlook", "D.Folders.item(3)", "S3.Items"}) {
-    desktop.StopFailing();
-    desktop.Fail(line, AutomationError(5));
+    FailOnly(line, AutomationError(5));
     context.state.bound_contact_folder = desktop.NamedObject("F").ToObject();
     EXPECT_EQ(Remove(true), kFailed);
     EXPECT_TRUE(context.state.bound_contact_folder.IsNothing());

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 
 #include "Control/LocaleAndEnvironment.h"
@@ -8,16 +6,11 @@
 #include "outlook/FolderLists.h"
 #include "platform/ForwardingPlatform.h"
 #include "platform/linux/LinuxPlatform.h"
-#include "tests/support/ScriptedDesktop.h"
+#include "tests/outlook/OutlookMembers.h"
 
 namespace kestrelon {
 namespace {
 
-using testing::ScriptedDesktop;
-using testing::ShownMessage;
-using Messages = std::vector<ShownMessage>;
-
-const std::string kNamespace = "Outlook.Application.GetNamespace(\"MAPI\")";
 const std::string kContacts = kNamespace + ".GetDefaultFolder(10)";
 const std::string kTasks = kNamespace + ".GetDefaultFolder(13)";
 
@@ -32,7 +25,7 @@ struct Subfolder {
   int32_t items;
 };
 
-class SubfolderLists : public ::testing::Test {
+class SubfolderLists : public OutlookMembers {
  protected:
   void Fill(const std::string& folder, const std::vector<Subfolder>& subfolders) {
     const std::string folders = folder + ".Folders";
@@ -45,9 +38,6 @@ class SubfolderLists : public ::testing::Test {
       desktop.Answer(subfolder + ".EntryID", {Value(FromUtf8("E" + std::to_string(i + 1)))});
     }
   }
-
-  ScriptedDesktop desktop;
-  ControlContext context{desktop};
 };
 
 TEST_F(SubfolderLists, NameTheFoldersOfTheirKind) {
@@ -87,12 +77,11 @@ TEST_F(SubfolderLists, AFailureLeavesThePairsThatWereRead) {
        u"Clients#~E1#~"},
   };
   for (const auto& example : cases) {
-    desktop.StopFailing();
     desktop.messages.clear();
-    desktop.Fail(example.call, AutomationError(5));
+    FailOnly(example.call, AutomationError(5));
     String import;
     EXPECT_EQ(GetContactFolderList(context, import), example.list) << example.call;
-    EXPECT_EQ(desktop.messages, (Messages{{example.message, 0, std::nullopt}})) << example.call;
+    EXPECT_EQ(desktop.messages, (Messages{PlainMessage(example.message)})) << example.call;
     EXPECT_TRUE(NothingHeld(context.state));
   }
 }
@@ -100,7 +89,7 @@ TEST_F(SubfolderLists, AFailureLeavesThePairsThatWereRead) {
 // A scripted Outlook on a real desktop, where the list is sorted.
 class OutlookOnLinux final : public ForwardingPlatform {
  public:
-  OutlookOnLinux(Platform& platform, ScriptedDesktop& desktop)
+  OutlookOnLinux(Platform& platform, testing::ScriptedDesktop& desktop)
       : ForwardingPlatform(platform), desktop_(desktop) {}
   Object CreateObject(StringView prog_id, StringView server) override {
     if (prog_id == u"Outlook.Application") return desktop_.CreateObject(prog_id, server);
@@ -108,7 +97,7 @@ class OutlookOnLinux final : public ForwardingPlatform {
   }
 
  private:
-  ScriptedDesktop& desktop_;
+  testing::ScriptedDesktop& desktop_;
 };
 
 class ItemLists : public ::testing::Test {
@@ -135,7 +124,7 @@ class ItemLists : public ::testing::Test {
     return GetFolderContactItems(context, folder);
   }
 
-  ScriptedDesktop desktop;
+  testing::ScriptedDesktop desktop;
   Value::Array items;
   Messages messages;
   LinuxPlatform linux_platform{

@@ -1,25 +1,15 @@
-#include <gtest/gtest.h>
-
 #include "outlook/Import.h"
-#include "tests/support/ScriptedDesktop.h"
+#include "tests/outlook/OutlookMembers.h"
 
 namespace kestrelon {
 namespace {
 
-using testing::ScriptedDesktop;
-using testing::ShownMessage;
-using Messages = std::vector<ShownMessage>;
-
-const std::string kNamespace = "Outlook.Application.GetNamespace(\"MAPI\")";
-
-class Import : public ::testing::Test {
+class Import : public OutlookMembers {
  protected:
   Import() {
     for (const char* folder :
          {"GetDefaultFolder(10)", "GetDefaultFolder(13)", "GetFolderFromID(\"F\")"}) {
-      desktop.Answer(kNamespace + "." + folder + ".Items.Each",
-                     {Value(Value::Array{desktop.NamedObject("Other"), desktop.NamedObject("I"),
-                                         desktop.NamedObject("Twin")})});
+      AnswerEach(kNamespace + "." + folder + ".Items", {"Other", "I", "Twin"});
       desktop.Answer(kNamespace + "." + folder + ".EntryID", {Value(u"folder")});
     }
     desktop.Answer("I.EntryID", {Value(u"E")});
@@ -38,9 +28,6 @@ class Import : public ::testing::Test {
   String ImportOneTask(String folder = u"", String id = u"E") {
     return ImportTask(context, folder, id);
   }
-
-  ScriptedDesktop desktop;
-  ControlContext context{desktop};
 };
 
 TEST_F(Import, ContactFieldsComeInTheirOrder) {
@@ -131,12 +118,11 @@ TEST_F(Import, AFailureNamesItsStepAndKeepsTheFieldsRead) {
       {"I.body", true, task + u"Retrieving task information", u"BillingInformation#~"},
   };
   for (const auto& example : cases) {
-    desktop.StopFailing();
     desktop.messages.clear();
-    desktop.Fail(example.call, AutomationError(1234, u"Failed"));
+    FailOnly(example.call, AutomationError(1234, u"Failed"));
     const String record = example.is_task ? ImportOneTask(u"F") : ImportOneContact(u"F");
     EXPECT_EQ(record, example.record) << example.call;
-    EXPECT_EQ(desktop.messages, (Messages{{example.message, 0, std::nullopt}})) << example.call;
+    EXPECT_EQ(desktop.messages, (Messages{PlainMessage(example.message)})) << example.call;
     EXPECT_TRUE(context.state.outlook_application.IsNothing());
   }
 }

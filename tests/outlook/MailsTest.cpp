@@ -1,21 +1,16 @@
-#include <gtest/gtest.h>
-
 #include "outlook/Mails.h"
-#include "tests/support/ScriptedDesktop.h"
+#include "tests/outlook/OutlookMembers.h"
 
 namespace kestrelon {
 namespace {
 
-using testing::ScriptedDesktop;
-using testing::ShownMessage;
-using Lines = std::vector<std::string>;
 using SendWithOriginal = bool (*)(ControlContext&, String&, String&, String&, String&, String&,
                                   String&);
 
 const std::string kMail = "Outlook.Application.CreateItem(0)";
 const Lines kNewMail = {"create Outlook.Application", kMail};
 
-class Mails : public ::testing::Test {
+class Mails : public OutlookMembers {
  protected:
   void Generate(String mail_type, String address = u"a@b") {
     String body = u"<p>";
@@ -41,9 +36,6 @@ class Mails : public ::testing::Test {
     for (const std::string& call : calls) lines.push_back(kMail + "." + call);
     return lines;
   }
-
-  ScriptedDesktop desktop;
-  ControlContext context{desktop};
 };
 
 TEST_F(Mails, PlaceholdersStandForMissingAddressesAndKindsMatchExactly) {
@@ -104,8 +96,7 @@ TEST_F(Mails, OnlyAMissingOutlookIsReportedForAReport) {
                {u"quote", 429, u"report"},
                {u"Report", 462, u"quote"}};
   for (const auto& example : cases) {
-    desktop.StopFailing();
-    desktop.Fail(kMail, AutomationError(example.number));
+    FailOnly(kMail, AutomationError(example.number));
     Generate(example.mail_type);
     const String kind = example.kind;
     EXPECT_EQ(desktop.messages.back(),
@@ -153,8 +144,7 @@ TEST_F(Mails, RepliesQuoteTheOriginalInItsOwnForm) {
 
 TEST_F(Mails, ContactsFolderIsMadeOnlyWhereNoneHasTheName) {
   const std::string top = "Outlook.Application.GetNamespace(\"MAPI\").GetDefaultFolder(10)";
-  desktop.Answer(top + ".Folders.Each",
-                 {Value(Value::Array{desktop.NamedObject("A"), desktop.NamedObject("B")})});
+  AnswerEach(top + ".Folders", {"A", "B"});
   desktop.Answer("A.Name", {Value(u"Clients")});
   desktop.Answer("B.Name", {Value(u"5")});
   for (const auto& [name, is_made] : {std::pair{Value(u"Clients"), false},

@@ -27,9 +27,6 @@ inline void ScriptStamp(ScriptedDesktop& desktop, const std::string& path,
   if (stamp) desktop.Answer(find + ".Value", {Value(*stamp)});
 }
 
-// A message box with an OK button only and the desktop's title.
-inline ShownMessage PlainMessage(const String& text) { return {text, 0, std::nullopt}; }
-
 // The calls on the object at `path` and on what it returned, from ".Subject = \"…\"" on, one a
 // line.
 inline std::string CallsOn(const ScriptedDesktop& desktop, const std::string& path) {

@@ -1,14 +1,8 @@
-#include <gtest/gtest.h>
-
 #include "outlook/Selection.h"
-#include "tests/support/ScriptedDesktop.h"
+#include "tests/outlook/OutlookMembers.h"
 
 namespace kestrelon {
 namespace {
-
-using testing::ScriptedDesktop;
-using testing::ShownMessage;
-using Messages = std::vector<ShownMessage>;
 
 const std::string kSelection = "Outlook.Application.ActiveExplorer.selection";
 const ShownMessage kTooMany = {
@@ -24,7 +18,7 @@ const ShownMessage kFailed = {
     u"Emails screen to perform the Add function",
     64, u"Unable to add e-mail"};
 
-class Selection : public ::testing::Test {
+class Selection : public OutlookMembers {
  protected:
   // Item i reads E<i>, S<i> and so on; its subject is empty.
   void Select(int32_t count) {
@@ -40,9 +34,6 @@ class Selection : public ::testing::Test {
       desktop.Answer(item + ".Subject", {Value(u"")});
     }
   }
-
-  ScriptedDesktop desktop;
-  ControlContext context{desktop};
 };
 
 TEST_F(Selection, OneToTenItemsAreCapturedInTheirOrder) {

@@ -1,19 +1,12 @@
-#include <gtest/gtest.h>
-
 #include "outlook/Stamps.h"
-#include "tests/support/ScriptedDesktop.h"
+#include "tests/outlook/OutlookMembers.h"
 
 namespace kestrelon {
 namespace {
 
-using testing::ScriptedDesktop;
-using testing::ShownMessage;
-using Lines = std::vector<std::string>;
-
-const std::string kNamespace = "Outlook.Application.GetNamespace(\"MAPI\")";
 const Lines kOpened = {"create Outlook.Application", kNamespace};
 
-class Stamps : public ::testing::Test {
+class Stamps : public OutlookMembers {
  protected:
   String SetImport(String item_type) {
     String item_id = u"7";
@@ -52,9 +45,6 @@ class Stamps : public ::testing::Test {
     desktop.Answer(folder + ".DefaultItemType", {item_type});
     desktop.Answer(folder + ".Name", {Value(FromUtf8("Sub " + std::to_string(number)))});
   }
-
-  ScriptedDesktop desktop;
-  ControlContext context{desktop};
 };
 
 TEST_F(Stamps, ImportIdIsAddedWithoutALookForOne) {
@@ -127,12 +117,11 @@ TEST_F(Stamps, MarkingFallsBackToTheLoopbackAddressAndTellsWhatFailed) {
   desktop.fail_at = 0;
   desktop.Fail("create", AutomationError(462));
   EXPECT_FALSE(Mark(u"email"));
-  desktop.StopFailing();
-  desktop.Fail(kNamespace + ".GetItemFromID", AutomationError(-2147221233, u"Gone"));
+  FailOnly(kNamespace + ".GetItemFromID", AutomationError(-2147221233, u"Gone"));
   EXPECT_FALSE(Mark(u"email"));
-  EXPECT_EQ(desktop.messages,
-            (std::vector<ShownMessage>{
-                {u"The remote server machine does not exist or is unavailable", 0, std::nullopt},
+  EXPECT_EQ(
+      desktop.messages,
+      (Messages{{u"The remote server machine does not exist or is unavailable", 0, std::nullopt},
                 {u"Gone", 0, std::nullopt}}));
 }
 

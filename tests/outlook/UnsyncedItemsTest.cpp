@@ -1,17 +1,10 @@
-#include <gtest/gtest.h>
-
 #include "outlook/UnsyncedItems.h"
-#include "tests/support/ScriptedDesktop.h"
+#include "tests/outlook/OutlookMembers.h"
 
 namespace kestrelon {
 namespace {
 
-using testing::ScriptedDesktop;
-using testing::ShownMessage;
-
-const std::string kNamespace = "Outlook.Application.GetNamespace(\"MAPI\")";
-
-class UnsyncedItems : public ::testing::Test {
+class UnsyncedItems : public OutlookMembers {
  protected:
   // An item that is named and identified by `id`; the user properties without a value are missing.
   Value Item(const std::string& id, int32_t item_class,
@@ -35,9 +28,6 @@ class UnsyncedItems : public ::testing::Test {
   void Fill(const std::string& folder, Value::Array items) {
     desktop.Answer(kNamespace + "." + folder + ".Items.Each", {Value(std::move(items))});
   }
-
-  ScriptedDesktop desktop;
-  ControlContext context{desktop};
 };
 
 TEST_F(UnsyncedItems, AreThoseWithoutTheStampOfTheirKind) {
@@ -72,10 +62,10 @@ TEST_F(UnsyncedItems, FailureIsToldAndTheListEndsThere) {
   desktop.Fail("create", AutomationError(70));
   String folder;
   EXPECT_EQ(GetUnsyncedContacts(context, folder).ToText(), u"");
-  EXPECT_EQ(desktop.messages, (std::vector<ShownMessage>{
-                                  {u"An error occurred running GetUnsyncedTasks", 64, std::nullopt},
-                                  {u"An error occurred running GetUnsyncedAppts", 64, std::nullopt},
-                                  {u"Outlook does not appear to be installed", 0, std::nullopt}}));
+  EXPECT_EQ(desktop.messages,
+            (Messages{{u"An error occurred running GetUnsyncedTasks", 64, std::nullopt},
+                      {u"An error occurred running GetUnsyncedAppts", 64, std::nullopt},
+                      {u"Outlook does not appear to be installed", 0, std::nullopt}}));
 }
 
 }  // namespace
