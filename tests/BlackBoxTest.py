@@ -53,7 +53,6 @@ class Members(World):
         self.assertEqual(len(members), 54)
         by_name = {member["name"]: member for member in members}
         self.assertEqual(by_name["ServerName"]["kind"], "propertyput")
-        self.assertEqual(by_name["ServerName"]["dispid"], 0x68030000)
         self.assertEqual(
             by_name["OpenFile"]["parameters"],
             [
@@ -61,8 +60,6 @@ class Members(World):
                 {"name": "ManagedStorage", "type": "Boolean", "optional": True, "default": False},
             ],
         )
-        self.assertEqual(by_name["WordQuote"]["parameters"][0]["type"], "XMLDocument")
-        self.assertEqual(by_name["CleanUpOutlook"]["result"], "none")
 
     def test_keeps_the_interface_that_pages_rely_on(self):
         self.assertEqual(self.run_program("members").stdout,

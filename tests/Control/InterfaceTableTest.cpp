@@ -4,6 +4,7 @@
 
 #include "Control/InterfaceTable.h"
 #include "Control/KestrelonControl.h"
+#include "tests/support/Failures.h"
 #include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon {
@@ -37,13 +38,9 @@ String Record(ControlContext&, String& text, bool& flag, int16_t& number, Value&
 class Calling : public ::testing::Test {
  protected:
   int32_t Fails(std::vector<Value> values) {
-    try {
-      control.Invoke(member, values);
-    } catch (const AutomationError& error) {
-      after = values;
-      return error.number();
-    }
-    return 0;
+    const int32_t number = NumberOf([&] { control.Invoke(member, values); });
+    after = values;
+    return number;
   }
 
   testing::ScriptedDesktop desktop;

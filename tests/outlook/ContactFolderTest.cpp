@@ -1,6 +1,5 @@
 #include "Control/InterfaceTable.h"
 #include "Control/OfficeConnection.h"
-#include "desktop/xml/XmlDocuments.h"
 #include "outlook/ContactFolder.h"
 #include "tests/outlook/OutlookMembers.h"
 #include "tests/outlook/ScriptedContacts.h"

@@ -15,6 +15,7 @@
 #include "automation/Text.h"
 #include "desktop/converter/Converter.h"
 #include "tests/desktop/converter/ConverterWorld.h"
+#include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
 namespace {
@@ -165,18 +166,10 @@ TEST_F(ConverterTest, TextGoesThroughEveryFormat) {
 
 TEST_F(ConverterTest, WhatCannotBeConvertedIsToldWithTheReason) {
   const auto damaged = world_->Write("damaged.docx", "PK\x03\x04 and then nothing");
-  EXPECT_THROW(
-      {
-        try {
-          Convert(damaged, "pdf", ConversionFormat::kPdf);
-        } catch (const AutomationError& error) {
-          EXPECT_EQ(error.number(), kConversionFailed);
-          EXPECT_THAT(ToUtf8(error.description()), HasSubstr("damaged.docx to PDF"));
-          EXPECT_THAT(ToUtf8(error.description()), Not(HasSubstr(".)")));
-          throw;
-        }
-      },
-      AutomationError);
+  const auto error = FailureOf([&] { Convert(damaged, "pdf", ConversionFormat::kPdf); });
+  EXPECT_EQ(error.number(), kConversionFailed);
+  EXPECT_THAT(ToUtf8(error.description()), HasSubstr("damaged.docx to PDF"));
+  EXPECT_THAT(ToUtf8(error.description()), Not(HasSubstr(".)")));
   EXPECT_THROW(Convert(*world_ / "missing.docx", "pdf", ConversionFormat::kPdf), AutomationError);
   EXPECT_FALSE(std::filesystem::exists(*world_ / "converted.pdf"));
 }

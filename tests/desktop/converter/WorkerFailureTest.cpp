@@ -42,13 +42,11 @@ class WorkerFailureTest : public testing::Test {
     return ConvertWith(converter);
   }
   std::string ConvertWith(Converter& converter) {
-    try {
-      converter.Convert(source_, target_, ConversionFormat::kPdf);
-      return "";
-    } catch (const AutomationError& error) {
-      EXPECT_EQ(error.number(), kConversionFailed);
-      return ToUtf8(error.description());
-    }
+    const auto error =
+        IgnoreFailures([&] { converter.Convert(source_, target_, ConversionFormat::kPdf); });
+    if (!error) return "";
+    EXPECT_EQ(error->number(), kConversionFailed);
+    return ToUtf8(error->description());
   }
   void ExpectNothingLeftBehind(const std::string& target_content) {
     EXPECT_EQ(ReadWholeFile(target_), target_content);

@@ -4,15 +4,11 @@
 #include <cstdlib>
 
 #include "desktop/outlook/mail/MessageDocument.h"
+#include "tests/desktop/outlook/Properties.h"
 #include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
 namespace {
-
-std::string Get(const ItemDocument& mail, StringView property) {
-  const Value value = mail.Get(property);
-  return ToUtf8(value.IsDate() ? FormatDate(value.AsDate()) : value.ToText());
-}
 
 class MessageDocumentTest : public testing::Test {
  protected:
@@ -40,26 +36,12 @@ constexpr const char* kMail =
 
 TEST_F(MessageDocumentTest, ReadsHeadersAndBodies) {
   const auto mail = ReadMessage(kMail);
-  const struct {
-    StringView property;
-    const char* value;
-  } cases[] = {
-      {u"subject", "\xC3\xA4\xC3\xB6\xC3\xBC and more"},
-      {u"sendername", "J\xC3\xBCrgen Lee"},
-      {u"senderemailaddress", "j@example.com"},
-      {u"to", "Lee, Ann; bob@example.com; c@example.com; D"},
-      {u"cc", "Undecided"},
-      {u"bcc", ""},
-      {u"receivedtime", "2026-11-21 11:00:05"},
-      {u"senton", "2026-11-21 08:59:00"},
-      {u"unread", "False"},
-      {u"importance", "2"},
-      {u"body", "\xC3\xA4\r\nb"},
-      {u"htmlbody", "<p>\xC5\xA1</p>"},
-  };
-  for (const auto& example : cases) {
-    EXPECT_EQ(Get(*mail, example.property), example.value) << ToUtf8(example.property);
-  }
+  ExpectProperties(*mail,
+                   u"subject=äöü and more | sendername=Jürgen Lee | "
+                   u"senderemailaddress=j@example.com | "
+                   u"to=Lee, Ann; bob@example.com; c@example.com; D | cc=Undecided | bcc= | "
+                   u"receivedtime=2026-11-21 11:00:05 | senton=2026-11-21 08:59:00 | "
+                   u"unread=False | importance=2 | body=ä\r\nb | htmlbody=<p>š</p>");
   EXPECT_EQ(mail->Uid(), "id-1@example.com");
   for (StringView name : mail->PropertyNames()) EXPECT_TRUE(mail->Has(LowerCase(name)));
 }
@@ -92,7 +74,7 @@ TEST_F(MessageDocumentTest, GivesItsBestReadingOfBrokenMails) {
       {"X-Mozilla-Status: 0000\n\n", u"unread", "True"},
   };
   for (const auto& example : cases) {
-    EXPECT_EQ(Get(*ReadMessage(example.mail), example.property), example.value) << example.mail;
+    EXPECT_EQ(Show(*ReadMessage(example.mail), example.property), example.value) << example.mail;
   }
 }
 
@@ -114,7 +96,7 @@ TEST_F(MessageDocumentTest, KeepsUserPropertiesBeforeTheMessage) {
     EXPECT_EQ(again->FindUserField(u"A; B")->value, every);
     EXPECT_EQ(again->FindUserField(u"A; B")->type, 3);
     EXPECT_TRUE(again->Get(u"unread").AsBoolean());
-    EXPECT_EQ(Get(*again, u"body"), Get(*ReadMessage(mail), u"body"));
+    EXPECT_EQ(Show(*again, u"body"), Show(*ReadMessage(mail), u"body"));
 
     const size_t kept = mail.starts_with("From x\n") ? mail.find('\n') + 1 : 0;
     EXPECT_TRUE(again->content().starts_with(mail.substr(0, kept)));

@@ -5,15 +5,11 @@
 #include <random>
 
 #include "desktop/outlook/formats/CalendarDocument.h"
+#include "tests/desktop/outlook/Properties.h"
 #include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
 namespace {
-
-std::string Show(const ItemDocument& item, StringView property) {
-  const Value value = item.Get(property);
-  return ToUtf8(value.IsDate() ? FormatDate(value.AsDate()) : value.ToText());
-}
 
 std::string InCalendar(const std::string& lines) {
   return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//x//y\r\n" + lines + "END:VCALENDAR\r\n";
@@ -167,28 +163,12 @@ const std::string kSeries =
 
 TEST_F(CalendarDocumentTest, ReadsTheSeriesOfAnItemWithExceptions) {
   const auto event = ReadCalendarItem(kSeries);
-  const struct {
-    StringView property;
-    const char* value;
-  } cases[] = {
-      {u"subject", "A longer  one, folded"},
-      {u"start", "2026-11-21 05:15:00"},
-      {u"duration", "60"},
-      {u"alldayevent", "False"},
-      {u"requiredattendees", "Lee, Ann; b@example.com"},
-      {u"organizer", "boss@example.com"},
-      {u"location", "B\xC3\xA4r"},
-      {u"categories", "one, two;2, three"},
-      {u"sensitivity", "2"},
-      {u"importance", "0"},
-      {u"busystatus", "0"},
-      {u"isrecurring", "True"},
-      {u"reminderset", "True"},
-      {u"body", "old"},
-  };
-  for (const auto& example : cases) {
-    EXPECT_EQ(Show(*event, example.property), example.value) << ToUtf8(example.property);
-  }
+  ExpectProperties(*event,
+                   u"subject=A longer  one, folded | start=2026-11-21 05:15:00 | duration=60 | "
+                   u"alldayevent=False | requiredattendees=Lee, Ann; b@example.com | "
+                   u"organizer=boss@example.com | location=Bär | categories=one, two;2, three | "
+                   u"sensitivity=2 | importance=0 | busystatus=0 | isrecurring=True | "
+                   u"reminderset=True | body=old");
   EXPECT_EQ(event->Uid(), "s");
   EXPECT_EQ(NumberOf([&] { event->Put(u"organizer", u"x"); }), 440);
   EXPECT_EQ(NumberOf([&] { event->Put(u"firstname", u"x"); }), kMemberNotFound);

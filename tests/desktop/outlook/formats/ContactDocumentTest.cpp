@@ -4,6 +4,7 @@
 #include <set>
 
 #include "desktop/outlook/formats/ContactDocument.h"
+#include "tests/desktop/outlook/Properties.h"
 #include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
@@ -48,7 +49,6 @@ constexpr const char* kNew =
     "RELATED;TYPE=spouse;VALUE=text:Bob\r\nEND:VCARD\r\n";
 
 TEST(ContactDocument, ReadsTheCardsOfOtherPrograms) {
-  // Properties with their values, and " | " between them.
   const std::pair<const char*, String> cases[] = {
       {kModern,
        u"firstname=Ann | middlename=Mary Lou | title=Dr. | lastname=van der Berg | "
@@ -73,10 +73,7 @@ TEST(ContactDocument, ReadsTheCardsOfOtherPrograms) {
   };
   for (const auto& [card, expected] : cases) {
     const auto item = ReadContact(card);
-    for (const String& line : Split(expected, u" | ")) {
-      const String property = line.substr(0, line.find(u'='));
-      EXPECT_EQ(ToUtf8(property + u"=" + TextOf(*item, property)), ToUtf8(line));
-    }
+    ExpectProperties(*item, expected);
     EXPECT_EQ(item->content(), card);
   }
 }
