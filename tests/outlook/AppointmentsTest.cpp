@@ -228,10 +228,7 @@ TEST_F(Appointments, OwnAppointmentIsOpenedById) {
 }
 
 TEST_F(Appointments, KnownErrorsHaveSentencesOfTheirOwn) {
-  const struct {
-    int32_t number;
-    const char16_t* beginning;
-  } cases[] = {
+  const std::pair<int32_t, const char16_t*> cases[] = {
       {-2147221212, u"The account being used to"},
       {-2147221237, u"Another operation is in progress;"},
       {-2147221241, u"An invalid entry id was supplied"},
@@ -239,9 +236,9 @@ TEST_F(Appointments, KnownErrorsHaveSentencesOfTheirOwn) {
       {7, u"An unknown error (7) occurred attempting to open this appointment. Text"},
       {-2147221000, u"An unknown error (-2147221000) occurred attempting to open this"},
   };
-  for (const auto& example : cases) {
-    FailOnly(kNamespace + ".GetItemFromID", AutomationError(example.number, u"Text"));
-    EXPECT_TRUE(OpenOne(u"E").starts_with(example.beginning)) << example.number;
+  for (const auto& [number, beginning] : cases) {
+    FailOnly(kNamespace + ".GetItemFromID", AutomationError(number, u"Text"));
+    EXPECT_TRUE(OpenOne(u"E").starts_with(beginning)) << number;
   }
 }
 

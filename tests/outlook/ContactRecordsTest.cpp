@@ -162,10 +162,7 @@ TEST_F(ContactRecords, TheIndexIsBuiltOnceAndFoundOutWhenItIsOutOfStep) {
 }
 
 TEST_F(ContactRecords, TellsWhyARecordIsNotWritten) {
-  const struct {
-    const char16_t* record;
-    const char16_t* message;
-  } cases[] = {
+  const std::pair<const char16_t*, const char16_t*> cases[] = {
       {u"<record",
        u"Error exporting contact to Outlook: Object variable or With block variable "
        u"not set"},
@@ -177,10 +174,10 @@ TEST_F(ContactRecords, TellsWhyARecordIsNotWritten) {
       {u"<record id='1'><field name='lastname' value='x'/></record>",
        u"FirstName and LastName appear to be blank, skipping this record."},
   };
-  for (const auto& example : cases) {
+  for (const auto& [record, message] : cases) {
     desktop.messages.clear();
-    EXPECT_FALSE(Export(example.record));
-    EXPECT_THAT(desktop.messages, ElementsAre(PlainMessage(example.message)));
+    EXPECT_FALSE(Export(record));
+    EXPECT_THAT(desktop.messages, ElementsAre(PlainMessage(message)));
   }
   EXPECT_THAT(desktop.log, Not(Contains("F.Items")));
 

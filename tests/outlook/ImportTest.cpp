@@ -49,10 +49,7 @@ TEST_F(Import, ContactFieldsComeInTheirOrder) {
 }
 
 TEST_F(Import, StreetsAreSplitIntoThreeLines) {
-  const struct {
-    const char16_t* street;
-    const char16_t* lines;
-  } cases[] = {
+  const std::pair<const char16_t*, const char16_t*> cases[] = {
       {u"", u"#~#~#~"},
       {u"1 High St", u"1 High St#~#~#~"},
       {u"a\nb", u"a\nb#~#~#~"},
@@ -62,12 +59,12 @@ TEST_F(Import, StreetsAreSplitIntoThreeLines) {
       {u"a,", u"a#~#~#~"},
       {u",b,,d,", u"#~b#~  d #~"},
   };
-  for (const auto& example : cases) {
-    Set("businessaddressstreet", example.street);
+  for (const auto& [street, lines] : cases) {
+    Set("businessaddressstreet", street);
     Set("HomeAddressStreet", u"Home, x");
     const String record = ImportOneContact();
-    const String around = u"#~" + String(example.lines);
-    EXPECT_NE(record.find(around), String::npos) << ToUtf8(example.street) << ToUtf8(record);
+    const String around = u"#~" + String(lines);
+    EXPECT_NE(record.find(around), String::npos) << ToUtf8(street) << ToUtf8(record);
     EXPECT_NE(record.find(u"#~Home#~ x#~#~"), String::npos);
   }
 }

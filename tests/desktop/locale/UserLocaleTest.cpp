@@ -6,16 +6,13 @@ namespace kestrelon::desktop {
 namespace {
 
 TEST(OrderOfDateFormat, IsToldByTheFirstPartOfTheDate) {
-  const struct {
-    const char* format;
-    const char* order;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"%m/%d/%y", "0"}, {"%D", "0"},        {"%b %e, %Y", "0"}, {"%d.%m.%Y", "1"},
       {"%-d/%m", "1"},   {"%Od %B", "1"},    {"%Y-%m-%d", "2"},  {"%F", "2"},
       {"%Ey/%m", "2"},   {"%a, %d %b", "1"}, {"", "1"},          {"%", "1"},
   };
-  for (const auto& example : cases) {
-    EXPECT_EQ(OrderOfDateFormat(example.format), example.order) << example.format;
+  for (const auto& [format, order] : cases) {
+    EXPECT_EQ(OrderOfDateFormat(format), order) << format;
   }
 }
 

@@ -11,10 +11,7 @@ String ValueOf(std::string_view markup) {
 }
 
 TEST(HtmlDocument, ReadsTheValueOfEachKindOfField) {
-  const struct {
-    const char* markup;
-    const char16_t* value;
-  } cases[] = {
+  const std::pair<const char*, const char16_t*> cases[] = {
       {"<input id=X value='a &lt; b'>", u"a < b"},
       {"<form><table><tr><td><INPUT ID=X VALUE=plain TYPE=text>", u"plain"},
       {"<input id='X'>", u""},
@@ -32,8 +29,8 @@ TEST(HtmlDocument, ReadsTheValueOfEachKindOfField) {
        u"\r\none & two\r\nthree\r\nfour"},
       {"<p id='x'>no</p><input id='X' value='\xC3\xA9'><input id='X' value='second'>", u"\u00E9"},
   };
-  for (const auto& example : cases) {
-    EXPECT_EQ(ValueOf(example.markup), example.value) << example.markup;
+  for (const auto& [markup, value] : cases) {
+    EXPECT_EQ(ValueOf(markup), value) << markup;
   }
 }
 

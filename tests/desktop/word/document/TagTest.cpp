@@ -182,17 +182,5 @@ TEST(Tag, InsertionTakesTheFormattingBeforeIt) {
   }
 }
 
-TEST(Tag, OverTheWholeLoopOfAValueThatHoldsIt) {
-  const auto document = Open(P(R("<n>")));
-  Story& main = document->Main();
-  const FindPattern pattern(u"<n>", false);
-  for (int i = 0; i < 3; ++i) {
-    const auto match = main.Find(pattern, 0, main.Length());
-    ASSERT_TRUE(match);
-    main.Replace(*match, u"a<n>b");
-  }
-  EXPECT_EQ(TextOf(main), u"aaa<n>bbb\r");
-}
-
 }  // namespace
 }  // namespace kestrelon::desktop::word

@@ -15,17 +15,15 @@ namespace fs = std::filesystem;
 TEST(SaveAs, WritesADocumentUnderEveryNameThatIsNotOfAnotherFormat) {
   const WordWorld world;
   const Object letter = world.NewLetter(P(R("text")));
-  const struct {
-    const char* name;
-    const char* written;
-  } cases[] = {{"a.docx", "a.docx"},         {"b.DOTX", "b.DOTX"}, {"plain", "plain.docx"},
-               {"Letter.PDF", "Letter.PDF"}, {"v1.2", "v1.2"},     {"x.pdf ", "x.pdf "}};
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.name);
-    letter.Call(u"SaveAs", world.Path(test.name));
-    EXPECT_TRUE(world.Read(test.written).starts_with("PK"));
-    EXPECT_EQ(letter.Get(u"FullName").ToText(), world.Path(test.written));
-    EXPECT_EQ(world.TextOfFile(test.written), u"text\r");
+  const std::pair<const char*, const char*> cases[] = {
+      {"a.docx", "a.docx"},         {"b.DOTX", "b.DOTX"}, {"plain", "plain.docx"},
+      {"Letter.PDF", "Letter.PDF"}, {"v1.2", "v1.2"},     {"x.pdf ", "x.pdf "}};
+  for (const auto& [name, written] : cases) {
+    SCOPED_TRACE(name);
+    letter.Call(u"SaveAs", world.Path(name));
+    EXPECT_TRUE(world.Read(written).starts_with("PK"));
+    EXPECT_EQ(letter.Get(u"FullName").ToText(), world.Path(written));
+    EXPECT_EQ(world.TextOfFile(written), u"text\r");
   }
   letter.Call(u"SaveAs", Named(u"FileFormat", 16), Named(u"FileName", world.Path("named")));
   EXPECT_TRUE(world.Exists("named.docx"));

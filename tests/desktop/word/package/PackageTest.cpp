@@ -109,10 +109,7 @@ TEST(Package, FindsContentTypesByNameThenByExtension) {
 }
 
 TEST(Package, ResolvesTargetsAgainstThePart) {
-  const struct {
-    const char* target;
-    const char* resolved;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"header1.xml", "/word/header1.xml"},
       {"/word/header1.xml", "/word/header1.xml"},
       {"../word/./header1.xml", "/word/header1.xml"},
@@ -126,8 +123,8 @@ TEST(Package, ResolvesTargetsAgainstThePart) {
       {"http://example.com/?a=1&amp;b=2\" TargetMode=\"External", "http://example.com/?a=1&b=2"},
   };
   std::string text;
-  for (const auto& test : cases) {
-    text += "\n<Relationship Id=\"i\" Type=\"t\" Target=\"" + std::string(test.target) + "\"/>";
+  for (const auto& one : cases) {
+    text += "\n<Relationship Id=\"i\" Type=\"t\" Target=\"" + std::string(one.first) + "\"/>";
   }
   std::vector<TestEntry> entries = MinimalEntries();
   entries.push_back(DocumentRelationships(text));
@@ -137,9 +134,8 @@ TEST(Package, ResolvesTargetsAgainstThePart) {
   const std::vector<Relationship>& found = package->Relationships("/word/document.xml");
   ASSERT_EQ(found.size(), std::size(cases));
   for (size_t i = 0; i < found.size(); ++i) {
-    EXPECT_EQ(found[i].target, cases[i].resolved) << cases[i].target;
-    EXPECT_EQ(found[i].external,
-              std::string(cases[i].target).find("External") != std::string::npos);
+    EXPECT_EQ(found[i].target, cases[i].second) << cases[i].first;
+    EXPECT_EQ(found[i].external, std::string(cases[i].first).find("External") != std::string::npos);
   }
   EXPECT_EQ(package->RelatedPart("", "/officeDocument"), "/word/document.xml");
   EXPECT_EQ(package->RelatedPart("", "/header"), "");
