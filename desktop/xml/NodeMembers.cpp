@@ -1,6 +1,5 @@
 #include "desktop/xml/NodeMembers.h"
 
-
 #include "desktop/xml/DocumentNode.h"
 #include "desktop/xml/LibxmlText.h"
 #include "desktop/xml/NodeBuilding.h"

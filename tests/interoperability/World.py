@@ -136,9 +136,6 @@ class World(unittest.TestCase):
 
     # --- the files and the other programs ---------------------------------------------------------
 
-    def put(self, path, content):
-        (self.mailbox / path).write_bytes(content)
-
     def only_file(self, folder, suffix):
         (path,) = (self.mailbox / folder).glob(f"*{suffix}")
         return path

@@ -170,17 +170,18 @@ TEST_F(FileSystemObjectTest, ListsAFolderByName) {
 }
 
 TEST_F(FileSystemObjectTest, TakesPathsApart) {
-  struct Case {
-    const char16_t *path, *name, *base, *extension, *parent;
-  };
-  for (const Case& c : {Case{u"C:\\a\\b.tar.gz", u"b.tar.gz", u"b.tar", u"gz", u"C:\\a"},
-                        Case{u"/a/b/", u"b", u"b", u"", u"/a"}, Case{u"/a", u"a", u"a", u"", u"/"},
-                        Case{u"a.", u"a.", u"a", u"", u""}, Case{u"/", u"", u"", u"", u""},
-                        Case{u"", u"", u"", u"", u""}, Case{u"a.b/c", u"c", u"c", u"", u"a.b"}}) {
-    EXPECT_EQ(files_.Call(u"GetFileName", c.path).ToText(), c.name);
-    EXPECT_EQ(files_.Call(u"GetBaseName", c.path).ToText(), c.base);
-    EXPECT_EQ(files_.Call(u"GetExtensionName", c.path).ToText(), c.extension);
-    EXPECT_EQ(files_.Call(u"GetParentFolderName", c.path).ToText(), c.parent) << ToUtf8(c.path);
+  for (const auto& [path, name, base, extension, parent] :
+       {std::tuple{u"C:\\a\\b.tar.gz", u"b.tar.gz", u"b.tar", u"gz", u"C:\\a"},
+        {u"/a/b/", u"b", u"b", u"", u"/a"},
+        {u"/a", u"a", u"a", u"", u"/"},
+        {u"a.", u"a.", u"a", u"", u""},
+        {u"/", u"", u"", u"", u""},
+        {u"", u"", u"", u"", u""},
+        {u"a.b/c", u"c", u"c", u"", u"a.b"}}) {
+    EXPECT_EQ(files_.Call(u"GetFileName", path).ToText(), name);
+    EXPECT_EQ(files_.Call(u"GetBaseName", path).ToText(), base);
+    EXPECT_EQ(files_.Call(u"GetExtensionName", path).ToText(), extension);
+    EXPECT_EQ(files_.Call(u"GetParentFolderName", path).ToText(), parent) << ToUtf8(path);
   }
   EXPECT_EQ(files_.Call(u"BuildPath", u"/a\\", u"b").ToText(), u"/a\\b");
   EXPECT_EQ(files_.Call(u"BuildPath", u"/a", u"b").ToText(), u"/a/b");

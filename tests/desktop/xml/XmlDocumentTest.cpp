@@ -106,23 +106,23 @@ TEST(XmlDocument, SelectsByXPathFromTheNodeAsked) {
   const Object document = Load(
       u"<record><Data><field name='a'/><field name='b'/></Data>"
       u"<listitemname listkey='x'><i/></listitemname><n:e xmlns:n='urn:n'/></record>");
-  struct Case {
-    const char16_t* from;
-    const char16_t* query;
-    int32_t length;
-  };
-  for (const Case& c : {Case{u".", u"record", 1}, Case{u".", u"Data", 0}, Case{u"/*", u"Data", 1},
-                        Case{u".", u"/record/Data/field", 2}, Case{u"//i", u"/record/Data", 1},
-                        Case{u".", u"record/listitemname[@listkey='x']", 1},
-                        Case{u".", u"record/listitemname[@listkey='y']", 0},
-                        Case{u".", u"//field/@name", 2}, Case{u"//i", u"..|//field", 3},
-                        Case{u".", u"//m:e", 1}, Case{u".", u"//namespace::*", 0}}) {
+  for (const auto& [from, query, length] : {std::tuple{u".", u"record", 1},
+                                            {u".", u"Data", 0},
+                                            {u"/*", u"Data", 1},
+                                            {u".", u"/record/Data/field", 2},
+                                            {u"//i", u"/record/Data", 1},
+                                            {u".", u"record/listitemname[@listkey='x']", 1},
+                                            {u".", u"record/listitemname[@listkey='y']", 0},
+                                            {u".", u"//field/@name", 2},
+                                            {u"//i", u"..|//field", 3},
+                                            {u".", u"//m:e", 1},
+                                            {u".", u"//namespace::*", 0}}) {
     document.Call(u"setProperty", u"SelectionLanguage", u"XPath");
     document.Call(u"setProperty", u"SelectionNamespaces", u"xmlns:m='urn:n'");
-    const Object from = document.CallChild(u"selectSingleNode", c.from);
-    const Object found = from.CallChild(u"selectNodes", c.query);
-    EXPECT_EQ(found.Get(u"length").ToLong(), c.length) << ToUtf8(c.query);
-    EXPECT_EQ(from.CallChild(u"selectSingleNode", c.query).IsNothing(), c.length == 0);
+    const Object start = document.CallChild(u"selectSingleNode", from);
+    const Object found = start.CallChild(u"selectNodes", query);
+    EXPECT_EQ(found.Get(u"length").ToLong(), length) << ToUtf8(query);
+    EXPECT_EQ(start.CallChild(u"selectSingleNode", query).IsNothing(), length == 0);
   }
   EXPECT_EQ(Names(document.CallChild(u"selectNodes", u"//i/..|//field[2]/@name|//Data")),
             u"Data name=b listitemname ");
@@ -152,25 +152,24 @@ String Nested(int depth) {
 
 TEST(XmlDocument, RefusesMalformedAndHostileMarkup) {
   const String with_null(u"<a/>\0", 5);
-  struct Case {
-    String markup;
-    int32_t line;
-    const char16_t* reason;
-  };
-  for (const Case& c :
-       {Case{u"<a>\n<b></a>", 2, u"tag"}, Case{u"", 1, u"empty"}, Case{u"<a/><b/>", 1, u"Extra"},
-        Case{u"<!DOCTYPE a [<!ENTITY x SYSTEM 'file:///etc/passwd'>]>\n<a>&x;</a>", 1, u"DOCTYPE"},
-        Case{u"<!DOCTYPE a SYSTEM 'http://127.0.0.1/a.dtd'><a/>", 1, u"DOCTYPE"},
-        Case{u"<a>&x;</a>", 1, u"'x'"}, Case{u"<p:a/>", 1, u"prefix p"},
-        Case{u"<a b='1' b='2'/>", 1, u"redefined"}, Case{with_null, 1, u"NUL"},
-        Case{Nested(300), 1, u"depth"}}) {
+  for (const auto& [markup, line, reason] :
+       {std::tuple<String, int32_t, const char16_t*>{u"<a>\n<b></a>", 2, u"tag"},
+        {u"", 1, u"empty"},
+        {u"<a/><b/>", 1, u"Extra"},
+        {u"<!DOCTYPE a [<!ENTITY x SYSTEM 'file:///etc/passwd'>]>\n<a>&x;</a>", 1, u"DOCTYPE"},
+        {u"<!DOCTYPE a SYSTEM 'http://127.0.0.1/a.dtd'><a/>", 1, u"DOCTYPE"},
+        {u"<a>&x;</a>", 1, u"'x'"},
+        {u"<p:a/>", 1, u"prefix p"},
+        {u"<a b='1' b='2'/>", 1, u"redefined"},
+        {with_null, 1, u"NUL"},
+        {Nested(300), 1, u"depth"}}) {
     const Object document = Load(u"<before/>");
-    EXPECT_FALSE(document.Call(u"loadXML", c.markup).ToBoolean()) << ToUtf8(c.markup);
+    EXPECT_FALSE(document.Call(u"loadXML", markup).ToBoolean()) << ToUtf8(markup);
     const Object error = document.GetChild(u"parseError");
     EXPECT_NE(error.Get(u"errorCode").ToLong(), 0);
-    EXPECT_EQ(error.Get(u"line").ToLong(), c.line) << ToUtf8(c.markup);
+    EXPECT_EQ(error.Get(u"line").ToLong(), line) << ToUtf8(markup);
     EXPECT_GE(error.Get(u"linepos").ToLong(), 1);
-    EXPECT_NE(error.Get(u"reason").ToText().find(c.reason), String::npos)
+    EXPECT_NE(error.Get(u"reason").ToText().find(reason), String::npos)
         << ToUtf8(error.Get(u"reason").ToText());
     EXPECT_TRUE(document.GetChild(u"documentElement").IsNothing());
   }
