@@ -39,9 +39,10 @@ void PutAll(ItemDocument& item) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string content(reinterpret_cast<const char*>(data), size);
-  ClassOfCalendarObject(content);
   for (const std::string& one : SplitCalendar(content)) Require(ReadCalendarItem(one) != nullptr);
   const auto item = ReadCalendarItem(content);
+  const auto item_class = item ? std::optional(item->item_class()) : std::nullopt;
+  Require(ClassOfCalendarObject(content) == item_class);
   if (item == nullptr) return 0;
   ReadAll(*item);
   Require(item->content() == content);

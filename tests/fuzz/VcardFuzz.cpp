@@ -11,8 +11,9 @@ namespace {
 constexpr StringView kText = u"a;b,c\r\nß\\n=";
 
 void TryCard(const std::string& content) {
-  ClassOfCard(content);
   const auto item = ReadContact(content);
+  const auto item_class = item ? std::optional(item->item_class()) : std::nullopt;
+  Require(ClassOfCard(content) == item_class);
   Require((item == nullptr) == SplitCards(content).empty());
   if (item == nullptr) return;
   Require(item->content() == content);

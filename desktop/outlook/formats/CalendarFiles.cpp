@@ -118,22 +118,9 @@ class CalendarSplitter {
 }  // namespace
 
 std::optional<ItemClass> ClassOfCalendarObject(std::string_view content) {
-  constexpr std::string_view kBegin = "BEGIN:";
-  for (size_t at = 0; at < content.size();) {
-    const std::string_view rest = content.substr(at);
-    if (EqualAscii(rest.substr(0, kBegin.size()), kBegin)) {
-      std::string_view name =
-          rest.substr(kBegin.size(), rest.find_first_of("\r\n") - kBegin.size());
-      name = name.substr(0, name.find_last_not_of(" \t") + 1);
-      name.remove_prefix(std::min(name.find_first_not_of(" \t"), name.size()));
-      if (EqualAscii(name, "VEVENT")) return ItemClass::kAppointment;
-      if (EqualAscii(name, "VTODO")) return ItemClass::kTask;
-    }
-    const size_t line_feed = rest.find('\n');
-    if (line_feed == std::string_view::npos) break;
-    at += line_feed + 1;
-  }
-  return std::nullopt;
+  const CalendarObject object{std::string(content)};
+  if (!object.has_item()) return std::nullopt;
+  return object.is_task() ? ItemClass::kTask : ItemClass::kAppointment;
 }
 
 std::vector<std::string> SplitCalendar(std::string_view content) {

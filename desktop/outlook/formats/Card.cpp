@@ -119,7 +119,7 @@ Card::Card(FileText file, ContentLines lines, Component component)
 }
 
 const std::string& Card::content() const {
-  if (file_.encoding == FileText::Encoding::kUtf8) return lines_.text();
+  if (file_.IsAsItStands()) return lines_.text();
   if (encoded_at_ != lines_.changes()) {
     encoded_ = EncodeFile(file_, lines_.text());
     encoded_at_ = lines_.changes();

@@ -120,7 +120,7 @@ class Card {
   Component component_;
   Version version_ = Version::k30;
   mutable KnownSlots known_slots_;
-  mutable std::string encoded_;  // of UTF-16
+  mutable std::string encoded_;  // of a file that is not as it stands
   mutable uint64_t encoded_at_ = static_cast<uint64_t>(-1);
 };
 

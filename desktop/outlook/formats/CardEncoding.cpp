@@ -103,20 +103,25 @@ int HexDigit(char c) {
 FileText DecodeFile(std::string content) {
   FileText file;
   const bool little = content.starts_with(kLittleMark);
-  if (!little && !content.starts_with(kBigMark)) {
+  if (little || content.starts_with(kBigMark)) {
+    file.encoding = little ? FileText::Encoding::kUtf16Little : FileText::Encoding::kUtf16Big;
+    file.text = DecodeUtf16(std::string_view(content).substr(2), little);
+    if (content.size() % 2 == 1) file.tail = content.back();
+  } else {
     file.text = std::move(content);
-    return file;
   }
-  file.encoding = little ? FileText::Encoding::kUtf16Little : FileText::Encoding::kUtf16Big;
-  file.text = DecodeUtf16(std::string_view(content).substr(2), little);
-  if (content.size() % 2 == 1) file.tail = content.back();
+  file.returns =
+      file.text.find('\n') == std::string::npos && file.text.find('\r') != std::string::npos;
+  if (file.returns) std::ranges::replace(file.text, '\r', '\n');
   return file;
 }
 
 std::string EncodeFile(const FileText& file, std::string_view text) {
-  if (file.encoding == FileText::Encoding::kUtf8) return std::string(text);
+  std::string content(text);
+  if (file.returns) std::ranges::replace(content, '\n', '\r');
+  if (file.encoding == FileText::Encoding::kUtf8) return content;
   const bool little = file.encoding == FileText::Encoding::kUtf16Little;
-  return std::string(little ? kLittleMark : kBigMark) + EncodeUtf16(text, little) + file.tail;
+  return std::string(little ? kLittleMark : kBigMark) + EncodeUtf16(content, little) + file.tail;
 }
 
 bool IsAscii(std::string_view bytes) {

@@ -11,8 +11,10 @@ namespace kestrelon::desktop {
 struct FileText {
   enum class Encoding : uint8_t { kUtf8, kUtf16Little, kUtf16Big };
   Encoding encoding = Encoding::kUtf8;
-  std::string text;  // of UTF-16 without the mark; of UTF-8, the file's bytes
-  std::string tail;  // an odd last byte of UTF-16
+  std::string text;      // of UTF-16 without the mark; of UTF-8, the file's bytes
+  std::string tail;      // an odd last byte of UTF-16
+  bool returns = false;  // its lines end in CR alone; those of `text` in LF
+  bool IsAsItStands() const { return encoding == Encoding::kUtf8 && !returns; }
 };
 
 FileText DecodeFile(std::string content);

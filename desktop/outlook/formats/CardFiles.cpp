@@ -13,31 +13,36 @@ bool StartsWith(std::string_view text, std::string_view start) {
   return EqualAscii(text.substr(0, start.size()), start);
 }
 
-}  // namespace
-
-std::optional<ItemClass> ClassOfCard(std::string_view content) {
-  FileText file;
-  if (content.starts_with("\xFF\xFE") || content.starts_with("\xFE\xFF")) {
-    file = DecodeFile(std::string(content));
-    content = file.text;
-  }
+// Whether a look at the line starts is enough to know that ReadContact finds a contact. It must not
+// say so of anything else: an item that cannot be read would make its whole folder fail.
+bool IsPlainContact(std::string_view content) {
+  constexpr std::string_view kBegin = "BEGIN:VCARD", kEnd = "END:VCARD";
   if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
-  bool in_card = false;
-  bool is_list = false;
+  if (!StartsWith(content, kBegin)) return false;
+  content.remove_prefix(kBegin.size());
+  if (content.starts_with('\r')) content.remove_prefix(1);
+  if (!content.starts_with('\n')) return false;
+  content.remove_prefix(1);
+  if (content.starts_with(' ') || content.starts_with('\t')) return false;
   while (!content.empty()) {
     const size_t end = std::min(content.find('\n'), content.size() - 1);
     const std::string_view line = content.substr(0, end + 1);
     content.remove_prefix(end + 1);
     if (std::string_view("BbEeKkXx").find(line.front()) == std::string_view::npos) continue;
-    if (StartsWith(line, "BEGIN:VCARD")) in_card = true;
-    if (!in_card) continue;
-    if (StartsWith(line, "END:VCARD")) break;
-    if (StartsWith(line, "KIND:GROUP") || StartsWith(line, "X-ADDRESSBOOKSERVER-KIND:GROUP")) {
-      is_list = true;
-    }
+    if (StartsWith(line, kEnd)) return line.find_first_of("\r\n") == kEnd.size();
+    const bool is_kind = StartsWith(line, "KIND") || StartsWith(line, "X-ADDRESSBOOKSERVER-KIND");
+    if (StartsWith(line, "BEGIN") || (is_kind && !StartsWith(line, "KIND:INDIVIDUAL")))
+      return false;
   }
-  if (!in_card) return std::nullopt;
-  return is_list ? ItemClass::kDistributionList : ItemClass::kContact;
+  return false;
+}
+
+}  // namespace
+
+std::optional<ItemClass> ClassOfCard(std::string_view content) {
+  if (IsPlainContact(content)) return ItemClass::kContact;
+  const std::unique_ptr<ItemDocument> card = ReadContact(std::string(content));
+  return card ? std::optional(card->item_class()) : std::nullopt;
 }
 
 std::vector<std::string> SplitCards(std::string_view content) {

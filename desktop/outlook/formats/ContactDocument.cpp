@@ -102,7 +102,8 @@ class Contact : public ItemDocument {
   explicit Contact(Card card) : card_(std::move(card)) {
     for (const char* name : {"KIND", "X-ADDRESSBOOKSERVER-KIND"}) {
       const auto line = card_.Find(name);
-      if (line && EqualAscii(card_.Value(*line), "group")) is_list_ = true;
+      const bool is_plain = line && card_.lines().Group(*line).empty();
+      if (is_plain && EqualAscii(card_.Value(*line), "group")) is_list_ = true;
     }
   }
 
