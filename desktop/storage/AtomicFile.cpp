@@ -105,13 +105,37 @@ StagedFile::StagedFile(const fs::path& place, std::string_view content, Durabili
   }
 }
 
-StagedFile::~StagedFile() {
+StagedFile::~StagedFile() { Discard(); }
+
+void StagedFile::Discard() {
   if (!name_.empty()) unlink(name_.c_str());
+  name_.clear();
 }
 
 void StagedFile::Replace() {
   if (rename(name_.c_str(), place_.c_str()) != 0) throw FileError(errno, place_);
   name_.clear();
+}
+
+bool StagedFile::ReplaceExpected(const std::function<bool(const struct stat&)>& is_expected) {
+  const auto change_places = [this] {
+    return renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, place_.c_str(), RENAME_EXCHANGE) == 0;
+  };
+  struct stat other {};
+  if (change_places()) {
+    if (stat(name_.c_str(), &other) == 0 && is_expected(other)) return true;
+    // Unless something newer lies there again.
+    struct stat ours {
+    }, present{};
+    const bool is_ours = fstat(descriptor(), &ours) == 0 && stat(place_.c_str(), &present) == 0 &&
+                         ours.st_ino == present.st_ino;
+    if (is_ours) change_places();
+    return false;
+  }
+  if (errno == ENOENT) return false;
+  if (stat(place_.c_str(), &other) != 0 || !is_expected(other)) return false;
+  Replace();
+  return true;
 }
 
 bool StagedFile::PlaceAsNew(const fs::path& place) {

@@ -5,7 +5,10 @@
 // with the system's reason.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,7 +32,7 @@ void WriteFileAtomically(const std::filesystem::path& path, std::string_view con
                          Durability durability = Durability::kRename);
 
 // A whole file under a hidden name (".kestrelon-XXXXXX") beside its place. It goes away again
-// unless it is put there.
+// unless it is put there; so does one that it has replaced.
 class StagedFile {
  public:
   // A link at `place` is followed; the mode of a file there is taken over. Synced for kPowerLoss,
@@ -45,6 +48,13 @@ class StagedFile {
 
   // Into its place, whatever lies there.
   void Replace();
+  // Into its place when the file there is the one that was expected; false otherwise, and what lies
+  // there stays. Nothing that others put there is lost, however late: the two files change places
+  // and the other one is looked at then. Where the file system cannot do that, the look comes
+  // first.
+  bool ReplaceExpected(const std::function<bool(const struct stat&)>& is_expected);
+  // Removes what still has the hidden name: this file, or the one that it replaced.
+  void Discard();
   // Under a name in the same folder that nothing holds; false when something does.
   bool PlaceAsNew(const std::filesystem::path& place);
 

@@ -350,12 +350,15 @@ FolderFiles::ReplaceOutcome FolderFiles::Replace(ItemFilePointer& file, std::str
     ChangeFolder(folder.get(),
                  [&] { staged.emplace(folder_ / file->name, content, Durability::kPowerLoss); });
     // Programs that know no lock may have come in while the file was synced.
-    bool is_as_read = false;
+    const auto is_as_read = [&](const struct stat& status) {
+      return StampOf(status) == file->stamp;
+    };
+    bool is_replaced = false;
     ChangeFolder(folder.get(), [&] {
-      is_as_read = IsAsRead(folder.get(), *file);
-      if (is_as_read) staged->Replace();
+      is_replaced = staged->ReplaceExpected(is_as_read);
+      staged->Discard();
     });
-    if (!is_as_read) return TakeOver(folder.get(), file);
+    if (!is_replaced) return TakeOver(folder.get(), file);
     SyncFolder(staged->place().parent_path());
     auto written = std::make_shared<ItemFile>();
     written->name = file->name;
