@@ -84,24 +84,25 @@ AutomationError FileError(int error_code, const fs::path& path) {
   }
 }
 
-StagedFile::StagedFile(const fs::path& place, std::string_view content, Durability durability)
-    : place_(FollowLink(place)) {
+StagedFile::StagedFile(const fs::path& place) : place_(FollowLink(place)) {
   CheckMayReplace(place_);
   // Created exclusively, never through a planted link.
   name_ = (place_.parent_path() / ".kestrelon-XXXXXX").string();
   const int descriptor = mkostemp(name_.data(), O_CLOEXEC);
-  if (descriptor < 0) throw FileError(errno, place_);
+  if (descriptor < 0) {
+    const int error = errno;
+    name_.clear();
+    throw FileError(error, place_);
+  }
   file_.emplace(descriptor);
-  try {
-    WriteAll(descriptor, content, place_);
-    if (fchmod(descriptor, ModeFor(place_)) != 0) throw FileError(errno, place_);
-    SetExactTime(descriptor);
-    if (durability == Durability::kPowerLoss && fsync(descriptor) != 0) {
-      throw FileError(errno, place_);
-    }
-  } catch (...) {
-    unlink(name_.c_str());
-    throw;
+}
+
+void StagedFile::Fill(std::string_view content, Durability durability) {
+  WriteAll(descriptor(), content, place_);
+  if (fchmod(descriptor(), ModeFor(place_)) != 0) throw FileError(errno, place_);
+  SetExactTime(descriptor());
+  if (durability == Durability::kPowerLoss && fsync(descriptor()) != 0) {
+    throw FileError(errno, place_);
   }
 }
 
@@ -156,7 +157,8 @@ void SyncFolder(const fs::path& folder) {
 }
 
 void WriteFileAtomically(const fs::path& path, std::string_view content, Durability durability) {
-  StagedFile file(path, content, durability);
+  StagedFile file(path);
+  file.Fill(content, durability);
   file.Replace();
   if (durability == Durability::kPowerLoss) SyncFolder(file.place().parent_path());
 }

@@ -35,9 +35,8 @@ void WriteFileAtomically(const std::filesystem::path& path, std::string_view con
 // unless it is put there; so does one that it has replaced.
 class StagedFile {
  public:
-  // A link at `place` is followed; the mode of a file there is taken over. Synced for kPowerLoss,
-  // but the folder is not.
-  StagedFile(const std::filesystem::path& place, std::string_view content, Durability durability);
+  // Makes the hidden file, still empty. A link at `place` is followed.
+  explicit StagedFile(const std::filesystem::path& place);
   ~StagedFile();
   StagedFile(const StagedFile&) = delete;
   StagedFile& operator=(const StagedFile&) = delete;
@@ -46,6 +45,9 @@ class StagedFile {
   // Of the file: its inode, size and time are those that it will have in its place.
   int descriptor() const { return file_->get(); }
 
+  // Once. The mode of the file in its place is taken over. Synced for kPowerLoss, but the folder is
+  // not.
+  void Fill(std::string_view content, Durability durability);
   // Into its place, whatever lies there.
   void Replace();
   // Into its place when the file there is the one that was expected; false otherwise, and what lies

@@ -279,7 +279,8 @@ void FolderFiles::Arrange(int folder) {
 }
 
 // Our own change must not cost a walk, and must not hide one of another program: only when the
-// folder is as we know it before, what it is afterwards becomes known.
+// folder is as we know it before, what it is afterwards becomes known. `change` is short: a change
+// of another program in the meantime is taken for ours.
 void FolderFiles::ChangeFolder(int folder, const std::function<void()>& change) {
   const bool is_in_step = StampOfOpened(folder) == known_;
   change();
@@ -322,8 +323,8 @@ ItemFilePointer FolderFiles::Create(std::string_view uid, std::string_view exten
     file->item_class = item_class;
     file->folder = shared_folder_;
     std::optional<StagedFile> staged;
-    ChangeFolder(folder.get(),
-                 [&] { staged.emplace(folder_ / fresh_name(), content, Durability::kPowerLoss); });
+    ChangeFolder(folder.get(), [&] { staged.emplace(folder_ / fresh_name()); });
+    staged->Fill(content, Durability::kPowerLoss);
     file->stamp = StampOfOpened(staged->descriptor());
     bool is_placed = faccessat(folder.get(), file->name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0;
     do {
@@ -347,8 +348,8 @@ FolderFiles::ReplaceOutcome FolderFiles::Replace(ItemFilePointer& file, std::str
     Lock(folder.get());
     if (!IsAsRead(folder.get(), *file)) return TakeOver(folder.get(), file);
     std::optional<StagedFile> staged;
-    ChangeFolder(folder.get(),
-                 [&] { staged.emplace(folder_ / file->name, content, Durability::kPowerLoss); });
+    ChangeFolder(folder.get(), [&] { staged.emplace(folder_ / file->name); });
+    staged->Fill(content, Durability::kPowerLoss);
     // Programs that know no lock may have come in while the file was synced.
     const auto is_as_read = [&](const struct stat& status) {
       return StampOf(status) == file->stamp;

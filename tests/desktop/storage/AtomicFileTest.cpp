@@ -30,18 +30,37 @@ TEST(AtomicFile, AReadOnlyFileStaysThoughItsFolderCouldReplaceIt) {
   EXPECT_EQ(ReadWholeFile(kept), "new");
 }
 
+TEST(AtomicFile, AStagedFileReplacesTheExpectedOneOnly) {
+  const PrivateFolder folder("kestrelon-test-");
+  const fs::path place = folder.path() / "place";
+  const auto replace = [&](std::string_view content, bool is_expected) {
+    StagedFile staged(place);
+    staged.Fill(content, Durability::kRename);
+    return staged.ReplaceExpected(
+        [=](const struct stat& old) { return is_expected && old.st_size == 5; });
+  };
+  EXPECT_FALSE(replace("new", true));  // nothing lies there
+  WriteFileAtomically(place, "other");
+  EXPECT_FALSE(replace("new", false));
+  EXPECT_EQ(ReadWholeFile(place), "other");
+  EXPECT_TRUE(replace("new", true));
+  EXPECT_EQ(ReadWholeFile(place), "new");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
+}
+
 TEST(AtomicFile, AStagedFileTakesAFreeNameOnlyAndLeavesNothingBehind) {
   const PrivateFolder folder("kestrelon-storage-test-");
   const fs::path held = folder.path() / "held", free = folder.path() / "free";
   WriteFileAtomically(held, "old");
   {
-    StagedFile staged(held, "new", Durability::kPowerLoss);
+    StagedFile staged(held);
+    staged.Fill("new", Durability::kPowerLoss);
     EXPECT_FALSE(staged.PlaceAsNew(held));
     fs::create_symlink("nowhere", folder.path() / "dangling");
     EXPECT_FALSE(staged.PlaceAsNew(folder.path() / "dangling"));
     EXPECT_TRUE(staged.PlaceAsNew(free));
   }
-  { const StagedFile dropped(held, "dropped", Durability::kRename); }
+  StagedFile(held).Fill("dropped", Durability::kRename);
   EXPECT_EQ(ReadWholeFile(held), "old");
   EXPECT_EQ(ReadWholeFile(free), "new");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
