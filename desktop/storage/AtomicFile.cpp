@@ -18,7 +18,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int32_t kDeviceError = 57;
-constexpr int32_t kDiskFull = 61;
 
 void WriteAll(int descriptor, std::string_view content, const fs::path& path) {
   while (!content.empty()) {

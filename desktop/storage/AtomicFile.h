@@ -18,6 +18,8 @@
 
 namespace kestrelon::desktop {
 
+inline constexpr int32_t kDiskFull = 61;
+
 enum class Durability {
   kRename,     // a reader sees the old file or the new one
   kPowerLoss,  // the same after a crash of the machine: file and folder are synced

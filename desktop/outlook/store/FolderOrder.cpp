@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -23,7 +24,11 @@ std::string LinesOf(const std::vector<std::string>& names) {
 }  // namespace
 
 FolderOrder::FolderOrder(const std::filesystem::path& folder) {
-  IgnoreFailures([&] { text_ = ReadWholeFile(folder / kOrderFile); });
+  // A pipe of that name must not make us wait.
+  std::error_code error;
+  if (std::filesystem::is_regular_file(folder / kOrderFile, error)) {
+    IgnoreFailures([&] { text_ = ReadWholeFile(folder / kOrderFile); });
+  }
   const std::string_view text = text_;
   for (size_t start = 0; start < text.size();) {
     const size_t end = std::min(text.find('\n', start), text.size());
@@ -33,12 +38,15 @@ FolderOrder::FolderOrder(const std::filesystem::path& folder) {
 }
 
 void AppendToOrder(int folder, const std::vector<std::string>& names) {
-  const std::string lines = LinesOf(names);
+  std::string lines = LinesOf(names);
   if (lines.empty()) return;
-  const FileDescriptor file(
-      openat(folder, kOrderFile, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666));
+  constexpr int kFlags = O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+  const FileDescriptor file(openat(folder, kOrderFile, kFlags, 0666));
   struct stat before {};
-  if (file.get() < 0 || fstat(file.get(), &before) != 0) return;
+  if (file.get() < 0 || fstat(file.get(), &before) != 0 || !S_ISREG(before.st_mode)) return;
+  char last = '\n';
+  if (before.st_size > 0 && pread(file.get(), &last, 1, before.st_size - 1) != 1) return;
+  if (last != '\n') lines.insert(0, 1, '\n');
   const ssize_t written = write(file.get(), lines.data(), lines.size());
   // Half a line would swallow the next one.
   if (written != static_cast<ssize_t>(lines.size()) && ftruncate(file.get(), before.st_size) != 0) {

@@ -39,7 +39,10 @@ constexpr DefaultFolderEntry kDefaultFolders[] = {
 
 std::optional<FolderKind> StatedKind(const fs::path& folder) {
   std::string text;
-  IgnoreFailures([&] { text = ReadWholeFile(folder / kKindFile); });
+  std::error_code error;
+  if (fs::is_regular_file(folder / kKindFile, error)) {
+    IgnoreFailures([&] { text = ReadWholeFile(folder / kKindFile); });
+  }
   const auto kind = std::ranges::find(kKindNames, text.substr(0, text.find_first_of(" \r\n")));
   if (kind == kKindNames.end()) return std::nullopt;
   return static_cast<FolderKind>(kind - kKindNames.begin());

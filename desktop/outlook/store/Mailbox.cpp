@@ -50,9 +50,12 @@ void MakeFolder(const fs::path& folder) {
 
 AutomationError SavingError(const AutomationError& error, StringView subject,
                             const fs::path& folder) {
+  const StringView remedy =
+      error.number() == kDiskFull ? u"Make room there" : u"Make that folder writable";
   return AutomationError(error.number(), error.description() + u". " + String(subject) +
                                              u" cannot be saved in \"" + TextFromPath(folder) +
-                                             u"\". Make that folder writable, or set "
+                                             u"\". " + String(remedy) +
+                                             u", or set "
                                              u"KESTRELON_MAILBOX to another folder.");
 }
 

@@ -86,6 +86,16 @@ TEST_F(FolderFilesTest, DeadLinesOfTheOrderAreClearedAway) {
   EXPECT_THAT(NamesAfterRestart(), expected);
 }
 
+TEST_F(FolderFilesTest, ADamagedOrderIsMended) {
+  for (const char* name : {"one.vcf", "two.vcf", "three.vcf"}) WriteAsOther(name, CardOf("x"));
+  WriteAsOther(".kestrelon-order", "three.vcf\ntwo.vcf\nthr");
+  EXPECT_THAT(Names(files_), ElementsAre("three.vcf", "two.vcf", "one.vcf"));
+  EXPECT_THAT(NamesAfterRestart(), ElementsAre("three.vcf", "two.vcf", "one.vcf"));
+  fs::remove(path_ / ".kestrelon-order");
+  ASSERT_EQ(mkfifo((path_ / ".kestrelon-order").c_str(), 0600), 0);
+  EXPECT_EQ(NamesAfterRestart().size(), 3u);
+}
+
 TEST_F(FolderFilesTest, OnlyWholeFilesOfItemsCount) {
   const std::string picture(100'000, 'p');
   WriteAsOther("big.vcf", CardOf("big", picture));
