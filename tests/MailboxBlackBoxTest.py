@@ -1,10 +1,11 @@
 """Drives `kestrelon mailbox` from outside, on a real mailbox folder."""
 
 import json
+import subprocess
 import sys
 import unittest
 
-from BlackBoxTest import World
+from BlackBoxTest import PROGRAM, World
 
 ANN = "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:ann\r\nFN:Ann \x1b[2JLee\r\nN:Lee;Ann;;;\r\nNOTE:one\\ntwo\r\nTEL;TYPE=CELL:5\r\nEND:VCARD\r\n"
 BOARD = "BEGIN:VCARD\r\nVERSION:4.0\r\nUID:board\r\nKIND:group\r\nFN:Board\r\nMEMBER:urn:uuid:ann\r\nEND:VCARD\r\n"
@@ -124,6 +125,13 @@ class Mailbox(World):
                 self.mailbox(*arguments, status=2)
         self.environment["KESTRELON_MAILBOX"] = self.file("mailbox")
         self.mailbox("list", status=1)
+
+    def test_says_when_its_output_is_lost(self):
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            done = subprocess.run([PROGRAM, "mailbox", "list"], stdout=full, stderr=subprocess.PIPE,
+                                  env=self.environment, check=False)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"cannot be written", done.stderr)
 
     def test_traces_its_calls(self):
         trace = self.home / "trace"

@@ -39,6 +39,11 @@ class Desktop {
   std::unique_ptr<TracingPlatform> tracing_;
 };
 
+// A full disk must not look like success.
+void CheckOutput() {
+  if (!std::cout) throw std::runtime_error("the answer cannot be written to standard output");
+}
+
 int RunSession(const std::string& trace_path) {
   MessageLog messages;
   Desktop desktop(
@@ -50,7 +55,7 @@ int RunSession(const std::string& trace_path) {
   for (std::string line; std::getline(std::cin, line);) {
     if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
     std::cout << session.Answer(line) << std::endl;
-    if (!std::cout) throw std::runtime_error("the answer cannot be written to standard output");
+    CheckOutput();
   }
   return kSuccess;
 }
@@ -97,7 +102,10 @@ int Run(int argc, char** argv) {
 // The one last catch.
 int Main(int argc, char** argv) {
   try {
-    return Run(argc, argv);
+    const int status = Run(argc, argv);
+    std::cout.flush();
+    CheckOutput();
+    return status;
   } catch (const BadCommandLine& error) {
     std::fprintf(stderr, "kestrelon: %s\n", error.what());
     return kBadCommandLine;
