@@ -199,7 +199,7 @@ void FolderFiles::Walk() {
   const FileDescriptor folder(OpenFolder(folder_));
   // Taken before the walk: what changes during it is seen the next time.
   const FileStamp stamp = StampOfOpened(folder.get());
-  known_ = IsSettled(stamp, Now()) ? stamp : FileStamp{};
+  known_ = IsSettled(stamp, Now()) ? stamp : MarkFolder(folder.get());
   ReadItems(folder.get());
   Arrange(folder.get());
   is_read_ = true;
