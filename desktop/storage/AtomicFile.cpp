@@ -17,6 +17,8 @@ namespace kestrelon::desktop {
 namespace fs = std::filesystem;
 namespace {
 
+constexpr const char* kOpenFiles = "/proc/self/fd/";
+
 constexpr int32_t kDeviceError = 57;
 
 void WriteAll(int descriptor, std::string_view content, const fs::path& path) {
@@ -85,7 +87,22 @@ AutomationError FileError(int error_code, const fs::path& path) {
 
 StagedFile::StagedFile(const fs::path& place) : place_(FollowLink(place)) {
   CheckMayReplace(place_);
-  // Created exclusively, never through a planted link.
+  MakeHidden();
+}
+
+StagedFile::StagedFile(WithoutName, const fs::path& folder) : place_(folder / "") {
+  // The way to a name leads through /proc.
+  static const bool has_proc = access(kOpenFiles, X_OK) == 0;
+  const int descriptor = has_proc ? open(folder.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, 0600) : -1;
+  if (descriptor >= 0) {
+    file_.emplace(descriptor);
+  } else {
+    MakeHidden();
+  }
+}
+
+// Created exclusively, never through a planted link.
+void StagedFile::MakeHidden() {
   name_ = (place_.parent_path() / ".kestrelon-XXXXXX").string();
   const int descriptor = mkostemp(name_.data(), O_CLOEXEC);
   if (descriptor < 0) {
@@ -98,7 +115,8 @@ StagedFile::StagedFile(const fs::path& place) : place_(FollowLink(place)) {
 
 void StagedFile::Fill(std::string_view content, Durability durability) {
   WriteAll(descriptor(), content, place_);
-  if (fchmod(descriptor(), ModeFor(place_)) != 0) throw FileError(errno, place_);
+  const mode_t mode = ModeFor(place_.has_filename() ? place_ : fs::path());
+  if (fchmod(descriptor(), mode) != 0) throw FileError(errno, place_);
   SetExactTime(descriptor());
   if (durability == Durability::kPowerLoss && fsync(descriptor()) != 0) {
     throw FileError(errno, place_);
@@ -139,12 +157,16 @@ bool StagedFile::ReplaceExpected(const std::function<bool(const struct stat&)>& 
 }
 
 bool StagedFile::PlaceAsNew(const fs::path& place) {
-  if (renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, place.c_str(), RENAME_NOREPLACE) == 0) {
+  if (name_.empty()) {
+    const std::string open_file = kOpenFiles + std::to_string(descriptor());
+    const int flags = AT_SYMLINK_FOLLOW;
+    if (linkat(AT_FDCWD, open_file.c_str(), AT_FDCWD, place.c_str(), flags) == 0) return true;
+  } else if (renameat2(AT_FDCWD, name_.c_str(), AT_FDCWD, place.c_str(), RENAME_NOREPLACE) == 0) {
     name_.clear();
     return true;
   }
   // Not every file system knows that flag; the hidden name then goes with this object.
-  if (errno == EINVAL && link(name_.c_str(), place.c_str()) == 0) return true;
+  if (!name_.empty() && errno == EINVAL && link(name_.c_str(), place.c_str()) == 0) return true;
   if (errno == EEXIST) return false;
   throw FileError(errno, place);
 }

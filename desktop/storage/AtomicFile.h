@@ -39,6 +39,10 @@ class StagedFile {
  public:
   // Makes the hidden file, still empty. A link at `place` is followed.
   explicit StagedFile(const std::filesystem::path& place);
+  // For PlaceAsNew alone: a file in `folder` that has no name before, so that nothing of it can be
+  // left behind. Where the system has no such files, it has a hidden name.
+  struct WithoutName {};
+  StagedFile(WithoutName without_name, const std::filesystem::path& folder);
   ~StagedFile();
   StagedFile(const StagedFile&) = delete;
   StagedFile& operator=(const StagedFile&) = delete;
@@ -63,8 +67,10 @@ class StagedFile {
   bool PlaceAsNew(const std::filesystem::path& place);
 
  private:
+  void MakeHidden();
+
   std::filesystem::path place_;
-  std::string name_;
+  std::string name_;  // "" without one
   std::optional<FileDescriptor> file_;
 };
 

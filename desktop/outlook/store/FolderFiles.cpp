@@ -323,7 +323,7 @@ ItemFilePointer FolderFiles::Create(std::string_view uid, std::string_view exten
     file->item_class = item_class;
     file->folder = shared_folder_;
     std::optional<StagedFile> staged;
-    ChangeFolder(folder.get(), [&] { staged.emplace(folder_ / fresh_name()); });
+    ChangeFolder(folder.get(), [&] { staged.emplace(StagedFile::WithoutName(), folder_); });
     staged->Fill(content, Durability::kPowerLoss);
     file->stamp = StampOfOpened(staged->descriptor());
     bool is_placed = faccessat(folder.get(), file->name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0;

@@ -52,18 +52,28 @@ TEST(AtomicFile, AStagedFileTakesAFreeNameOnlyAndLeavesNothingBehind) {
   const PrivateFolder folder("kestrelon-storage-test-");
   const fs::path held = folder.path() / "held", free = folder.path() / "free";
   WriteFileAtomically(held, "old");
-  {
-    StagedFile staged(held);
+  fs::create_symlink("nowhere", folder.path() / "dangling");
+  const auto place = [&](StagedFile& staged) {
     staged.Fill("new", Durability::kPowerLoss);
     EXPECT_FALSE(staged.PlaceAsNew(held));
-    fs::create_symlink("nowhere", folder.path() / "dangling");
     EXPECT_FALSE(staged.PlaceAsNew(folder.path() / "dangling"));
     EXPECT_TRUE(staged.PlaceAsNew(free));
+  };
+  for (const bool has_name : {true, false}) {
+    std::optional<StagedFile> staged;
+    has_name ? staged.emplace(held) : staged.emplace(StagedFile::WithoutName(), folder.path());
+    place(*staged);
+    staged.emplace(StagedFile::WithoutName(), folder.path());
+    staged->Fill("dropped", Durability::kRename);
+    staged.emplace(held);
+    staged->Fill("dropped", Durability::kRename);
+    staged.reset();
+    EXPECT_EQ(ReadWholeFile(held), "old");
+    EXPECT_EQ(ReadWholeFile(free), "new");
+    EXPECT_EQ(fs::status(free).permissions(), fs::status(held).permissions());
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
+    fs::remove(free);
   }
-  StagedFile(held).Fill("dropped", Durability::kRename);
-  EXPECT_EQ(ReadWholeFile(held), "old");
-  EXPECT_EQ(ReadWholeFile(free), "new");
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
 }
 
 }  // namespace
