@@ -26,12 +26,6 @@ class TagReplacement : public ::testing::Test {
     ReplaceOneTag(context, desktop.NamedObject("D").ToObject(), desktop.NamedObject("W").ToObject(),
                   0, in_header);
   }
-  // The calls from the first one after the search on.
-  Lines AfterSearch() const {
-    const auto found = std::find(desktop.log.begin(), desktop.log.end(), "W.Selection.Find.Found");
-    return {found == desktop.log.end() ? found : found + 1, desktop.log.end()};
-  }
-
   testing::ScriptedDesktop desktop;
   ControlContext context{desktop};
   const Lines search = {"D.Select()",
@@ -61,44 +55,24 @@ TEST_F(TagReplacement, AnEmptySlotOnlySelects) {
 
 const char* const kRange = "D.Range(Start:=7, End:=10)";  // where the scripted selection stands
 
-class BlankValue : public TagReplacement {
- protected:
-  BlankValue() {
-    desktop.Answer("W.Selection.Range.Start", {7});
-    desktop.Answer("W.Selection.Range.End", {10});
+TEST_F(TagReplacement, ABlankValueDeletesTheTagAndInATableTheCharacterBeforeWhereWordAllowsIt) {
+  desktop.Answer("W.Selection.Range.Start", {7});
+  desktop.Answer("W.Selection.Range.End", {10});
+  const std::string range = kRange;
+  const auto replaced = [&](bool in_table) {
+    desktop.Answer(range + ".Information(12)", {in_table});
     SetFound({true, false});
-  }
-  void SetInTable(bool in_table) {
-    desktop.Answer(std::string(kRange) + ".Information(12)", {in_table});
-  }
-  // What was done to the range.
-  Lines RangeCalls() const {
-    Lines calls;
-    for (const std::string& line : desktop.log) {
-      if (line.starts_with(kRange)) calls.push_back(line.substr(std::string(kRange).size()));
-    }
-    return calls;
-  }
-};
-
-TEST_F(BlankValue, DeletesTheTagOutsideATable) {
-  SetInTable(false);
-  Replace(u"<t>", u"  ");
-  EXPECT_EQ(RangeCalls(), (Lines{"", ".Information(12)", ".Delete(count:=0)"}));
-}
-
-TEST_F(BlankValue, DeletesTheCharacterBeforeTooInATable) {
-  SetInTable(true);
-  Replace(u"<t>", u"");
-  EXPECT_EQ(RangeCalls(), (Lines{"", ".Information(12)", ".moveStart(1, -1)", ".Delete()"}));
-}
-
-TEST_F(BlankValue, DeletesTheTagAloneWhereWordRefusesMore) {
-  SetInTable(true);
-  desktop.Fail(std::string(kRange) + ".Delete()", AutomationError(5904));
-  Replace(u"<t>", u"");
-  EXPECT_EQ(RangeCalls(), (Lines{"", ".Information(12)", ".moveStart(1, -1)", ".Delete()",
-                                 ".moveStart(1, 1)", ".Delete()"}));
+    Replace(u"<t>", u"  ");
+    std::erase_if(desktop.log, [&](const auto& line) { return !line.starts_with(range + "."); });
+    for (std::string& line : desktop.log) line.erase(0, range.size());
+    return desktop.log;
+  };
+  EXPECT_EQ(replaced(false), (Lines{".Information(12)", ".Delete(count:=0)"}));
+  Lines expected = {".Information(12)", ".moveStart(1, -1)", ".Delete()"};
+  EXPECT_EQ(replaced(true), expected);
+  desktop.Fail(range + ".Delete()", AutomationError(5904));
+  expected.insert(expected.end(), {".moveStart(1, 1)", ".Delete()"});
+  EXPECT_EQ(replaced(true), expected);
   EXPECT_TRUE(desktop.messages.empty());
 }
 
