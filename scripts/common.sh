@@ -9,7 +9,7 @@ build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libdeflate-dev zlib
 # LibreOffice makes PDF, HTML and .doc; the fonts are those that letters commonly ask for.
 run_packages=(libreoffice-writer-nogui fonts-liberation fonts-crosextra-carlito
   fonts-crosextra-caladea)
-test_packages=(libgtest-dev libgmock-dev libzip-dev python3 poppler-utils khard khal todoman
+test_packages=(libgtest-dev libgmock-dev python3 poppler-utils khard khal todoman
   python3-vobject python3-icalendar python3-dateutil)
 lint_packages=(clang-format clang-tidy)
 

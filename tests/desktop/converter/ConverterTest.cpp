@@ -7,14 +7,15 @@
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
-#include <zip.h>
 
 #include <chrono>
 #include <thread>
 
 #include "automation/Text.h"
 #include "desktop/converter/Converter.h"
+#include "desktop/word/package/Package.h"
 #include "tests/desktop/converter/ConverterWorld.h"
+#include "tests/desktop/word/document/Builders.h"
 #include "tests/support/Failures.h"
 
 namespace kestrelon::desktop {
@@ -33,50 +34,30 @@ constexpr char kPicture[] =
     "B`\x82";
 const std::string kPng(kPicture, sizeof kPicture - 1);
 
-constexpr char kRelationships[] =
-    "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
-constexpr char kType[] =
-    " Type=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
-
-// A .docx with one picture, `blip` being how it is referred to and `relationship` the rest of what
-// it refers to.
-void WriteDocx(const std::filesystem::path& path, const std::string& blip,
-               const std::string& relationship) {
-  const std::pair<std::string, std::string> parts[] = {
-      {"[Content_Types].xml",
-       "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\"><Default "
-       "Extension=\"rels\" ContentType=\"application/vnd.openxmlformats-package.relationships+xml\""
-       "/><Default Extension=\"png\" ContentType=\"image/png\"/><Override PartName="
-       "\"/word/document.xml\" ContentType=\"application/vnd.openxmlformats-officedocument."
-       "wordprocessingml.document.main+xml\"/></Types>"},
-      {"_rels/.rels", std::string(kRelationships) + "<Relationship Id=\"r1\"" + kType +
-                          "officeDocument\" Target=\"word/document.xml\"/></Relationships>"},
-      {"word/_rels/document.xml.rels", std::string(kRelationships) + "<Relationship Id=\"p\"" +
-                                           kType + "image\" " + relationship +
-                                           "/></Relationships>"},
-      {"word/media/p.png", kPng},
-      {"word/document.xml",
-       "<w:document xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\" "
-       "xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\" xmlns:d="
-       "\"http://schemas.openxmlformats.org/drawingml/2006/wordprocessingDrawing\" xmlns:a=\""
-       "http://schemas.openxmlformats.org/drawingml/2006/main\" xmlns:p=\"http://schemas."
-       "openxmlformats.org/drawingml/2006/picture\"><w:body><w:p><w:r><w:t>Hello</w:t></w:r><w:r>"
-       "<w:drawing><d:inline><d:extent cx=\"900000\" cy=\"900000\"/><d:docPr id=\"1\" name=\"P\"/>"
-       "<a:graphic><a:graphicData uri=\"http://schemas.openxmlformats.org/drawingml/2006/picture\">"
-       "<p:pic><p:nvPicPr><p:cNvPr id=\"1\" name=\"P\"/><p:cNvPicPr/></p:nvPicPr><p:blipFill>"
-       "<a:blip " +
-           blip +
-           "/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr><a:xfrm><a:off x=\"0\" "
-           "y=\"0\"/><a:ext cx=\"900000\" cy=\"900000\"/></a:xfrm><a:prstGeom prst=\"rect\"/>"
-           "</p:spPr></p:pic></a:graphicData></a:graphic></d:inline></w:drawing></w:r></w:p>"
-           "</w:body></w:document>"},
-  };
-  zip_t* const archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
-  for (const auto& [name, content] : parts) {
-    zip_file_add(archive, name.c_str(),
-                 zip_source_buffer(archive, content.data(), content.size(), 0), ZIP_FL_ENC_UTF_8);
-  }
-  ASSERT_EQ(zip_close(archive), 0);
+// A .docx with one picture, `blip` being how it is referred to as "p".
+void WriteDocx(const std::filesystem::path& path, const std::string& blip, const std::string& url) {
+  const std::string office = "http://schemas.openxmlformats.org/";
+  const std::string relationships = office + "officeDocument/2006/relationships";
+  const std::string main =
+      "<w:document xmlns:w=\"" + office + "wordprocessingml/2006/main\" xmlns:r=\"" +
+      relationships + "\" xmlns:d=\"" + office +
+      "drawingml/2006/wordprocessingDrawing\" xmlns:a=\"" + office +
+      "drawingml/2006/main\" xmlns:p=\"" + office +
+      "drawingml/2006/picture\"><w:body><w:p><w:r><w:t>Hello</w:t></w:r><w:r><w:drawing><d:inline>"
+      "<d:extent cx=\"900000\" cy=\"900000\"/><d:docPr id=\"1\" name=\"P\"/><a:graphic>"
+      "<a:graphicData uri=\"" +
+      office +
+      "drawingml/2006/picture\"><p:pic><p:nvPicPr>"
+      "<p:cNvPr id=\"1\" name=\"P\"/><p:cNvPicPr/></p:nvPicPr><p:blipFill><a:blip r:" +
+      blip +
+      "=\"rId1\"/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr><a:xfrm>"
+      "<a:off x=\"0\" y=\"0\"/><a:ext cx=\"900000\" cy=\"900000\"/></a:xfrm>"
+      "<a:prstGeom prst=\"rect\"/></p:spPr></p:pic></a:graphicData></a:graphic></d:inline>"
+      "</w:drawing></w:r></w:p></w:body></w:document>";
+  const auto package = word::Package::Open(word::Packed(main));
+  package->Add("/letter/p.png", "image/png", kPng);
+  package->AddRelationship("/letter/main.xml", relationships + "/image", url, blip == "link");
+  WriteFileAtomically(path, package->Write());
 }
 
 // Counts the connections that somebody makes to it.
@@ -175,7 +156,7 @@ TEST_F(ConverterTest, WhatCannotBeConvertedIsToldWithTheReason) {
 }
 
 TEST_F(ConverterTest, PicturesOfTheDocumentAreKeptInOneHtmlFile) {
-  WriteDocx(*world_ / "own.docx", "r:embed=\"p\"", "Target=\"media/p.png\"");
+  WriteDocx(*world_ / "own.docx", "embed", "/letter/p.png");
   EXPECT_THAT(Convert(*world_ / "own.docx", "html", ConversionFormat::kHtml),
               HasSubstr("src=\"data:image/png;base64,"));
 }
@@ -184,8 +165,7 @@ TEST_F(ConverterTest, LinksReachNeitherFilesNorNetwork) {
   const LoopbackListener listener;
   const std::string file = "file://" + world_->Write("secret.png", kPng).string();
   for (const std::string& url : {file, listener.Url("secret.png")}) {
-    WriteDocx(*world_ / "linked.docx", "r:link=\"p\"",
-              "TargetMode=\"External\" Target=\"" + url + "\"");
+    WriteDocx(*world_ / "linked.docx", "link", url);
     world_->Write("linked.html", "<html><link rel=stylesheet href=\"" + url +
                                      "\"><p>Hello<img src=\"" + url + "\"></p></html>");
     world_->Write("linked.rtf", "{\\rtf1 Hello {\\field{\\*\\fldinst INCLUDEPICTURE \"" + url +

@@ -59,11 +59,10 @@ class MailItemTest : public testing::Test {
 
 TEST_F(MailItemTest, WritesAPlainMailAsOneTextPart) {
   mail_.Put(u"To", u"ann@example.org");
-  mail_.Put(u"Subject", u"Hello");
   mail_.Put(u"body", u"\u00A3 100 =\r\n.\rFrom x\n\n" + String(1200, u'y') + u"\n");
   EXPECT_EQ(SaveAndRead(),
             "headers ['Date', 'MIME-Version', 'Message-Id', 'Subject', 'To', 'X-Unsent']\n"
-            "X-Unsent '1'\nSubject 'Hello'\nTo '' ann@example.org\n"
+            "X-Unsent '1'\nSubject ''\nTo '' ann@example.org\n"
             "text/plain  ''\n= '\u00A3 100 =\\r\\n.\\r\\nFrom x\\r\\n\\r\\n" +
                 std::string(1200, 'y') + "\\r\\n'\n");
 }
@@ -72,25 +71,22 @@ TEST_F(MailItemTest, WritesHtmlWithAnAlternativeAndAttachmentsByType) {
   mail_.GetChild(u"Recipients").Call(u"Add", u"ann@example.org");
   mail_.Put(u"HTMLBody", u"<style>p{}</style><p>Dear \u20AC&amp;</p><p>x</p>");
   const Object attachments = mail_.GetChild(u"Attachments");
-  for (const auto* name :
-       {"R\u00E9sum\u00E9.Doc", "a.docx", "b.PDF", "c.htm", "d", "\u4E2D\"'.txt"}) {
+  for (const auto* name : {"R\u00E9sum\u00E9.Doc", "b.PDF", "d", "\u4E2D\"'.txt"}) {
     const String path = WriteFile(name, std::string("\0\r\n\xFF", 4));
     EXPECT_EQ(attachments.CallChild(u"Add", path, 1, 1, u"shown").Get(u"FileName").ToText(),
               FromUtf8(name));
     fs::remove(folder_.path() / name);
   }
-  EXPECT_EQ(attachments.Get(u"Count").ToLong(), 6);
-  EXPECT_EQ(attachments.CallChild(u"Item", 6).Get(u"Size").ToLong(), 4);
+  EXPECT_EQ(attachments.Get(u"Count").ToLong(), 4);
+  EXPECT_EQ(attachments.CallChild(u"Item", 4).Get(u"Size").ToLong(), 4);
   EXPECT_THAT(
       SaveAndRead(),
       HasSubstr("multipart/mixed  ''\n  multipart/alternative  ''\n"
                 "    text/plain  ''\n    = 'Dear \u20AC&\\r\\n\\r\\nx'\n"
                 "    text/html  ''\n    = '<style>p{}</style><p>Dear \u20AC&amp;</p><p>x</p>'\n"
                 "  application/msword attachment 'R\u00E9sum\u00E9.Doc'\n  = b'\\x00\\r\\n\\xff'\n"
-                "  application/vnd.openxmlformats-officedocument.wordprocessingml.document "
-                "attachment 'a.docx'\n  = b'\\x00\\r\\n\\xff'\n"
                 "  application/pdf attachment 'b.PDF'\n  = b'\\x00\\r\\n\\xff'\n"
-                "  text/html attachment 'c.htm'\n"));
+                "  application/octet-stream attachment 'd'\n"));
   EXPECT_EQ(mail_.Get(u"Body").ToText(), u"Dear \u20AC&\n\nx");
   mail_.Put(u"Body", u"plain");
   EXPECT_EQ(mail_.Get(u"HTMLBody").ToText(), u"");
@@ -183,13 +179,16 @@ TEST_F(MailItemTest, KeepsToAndTheRecipientsInStep) {
 }
 
 TEST_F(MailItemTest, ShowsTheDraftAndRewritesItWhenShownAgain) {
-  const RecordingOpener opener;
   EXPECT_EQ(mail_.Get(u"EntryID").ToText(), u"");
-  mail_.Call(u"display");
-  ASSERT_EQ(DraftFiles().size(), 1u);
+  {
+    const ChangedEnvironment none("KESTRELON_OPENER", (folder_.path() / "none").string());
+    const AutomationError error = FailureOf([&] { mail_.Call(u"display"); });
+    ASSERT_EQ(DraftFiles().size(), 1u);
+    EXPECT_NE(error.description().find(TextFromPath(DraftFiles().front())), String::npos);
+  }
   const fs::path draft = DraftFiles().front();
-  EXPECT_EQ(opener.Next(), draft.string());
   EXPECT_EQ(fs::status(Drafts()).permissions(), fs::perms::owner_all);
+  const RecordingOpener opener;
   mail_.Put(u"To", u"after@display.example");
   mail_.Call(u"Display", false);
   EXPECT_EQ(opener.Next(), draft.string());
@@ -199,20 +198,12 @@ TEST_F(MailItemTest, ShowsTheDraftAndRewritesItWhenShownAgain) {
   EXPECT_THAT(ReadMessage(draft), HasSubstr("Subject ''\nTo '' after@display.example\n"));
 }
 
-TEST_F(MailItemTest, KeepsTheDraftWhereNothingCanShowIt) {
-  const ChangedEnvironment opener("KESTRELON_OPENER", (folder_.path() / "none").string());
-  const AutomationError error = FailureOf([&] { mail_.Call(u"Display"); });
-  ASSERT_EQ(DraftFiles().size(), 1u);
-  EXPECT_NE(error.description().find(TextFromPath(DraftFiles().front())), String::npos);
-}
-
 TEST_F(MailItemTest, SaysWhatCannotBeAttachedOrCreated) {
   const Object attachments = mail_.GetChild(u"Attachments");
-  const AutomationError missing = FailureOf([&] { attachments.Call(u"Add", u"/none/a.doc"); });
-  EXPECT_NE(missing.description().find(u"/none/a.doc"), String::npos);
-  EXPECT_EQ(
-      FailureOf([&] { attachments.Call(u"Add", TextFromPath(folder_.path() / "x")); }).number(),
-      kFileNotFound);
+  const String path = TextFromPath(folder_.path() / "x");
+  const AutomationError missing = FailureOf([&] { attachments.Call(u"Add", path); });
+  EXPECT_EQ(missing.number(), kFileNotFound);
+  EXPECT_NE(missing.description().find(path), String::npos);
   EXPECT_EQ(attachments.Get(u"Count").ToLong(), 0);
   const Object outlook = RunningOutlookApplication();
   EXPECT_EQ(FailureOf([&] { outlook.Call(u"CreateItem", 4); }).number(), kNotImplemented);

@@ -53,12 +53,8 @@ TEST_F(Sorting, FollowsTheInstruction) {
     String sorts;
     const char16_t* sorted;
   } cases[] = {
-      {{u"Smith", u"adams", u"Brown"}, u"<xsl:sort/>", u"adams Brown Smith "},
       {{u"Ab", u"ab", u"AB", u"aa", u"ac"}, u"<xsl:sort/>", u"aa ab Ab AB ac "},
       {{u"ab", u"Ab", u"aa"}, u"<xsl:sort case-order='upper-first'/>", u"aa Ab ab "},
-      {{u"9", u"10", u"-1", u"x", u"0.5", u"-20"},
-       u"<xsl:sort data-type='number'/>",
-       u"x -20 -1 0.5 9 10 "},
       {{u"9", u"10", u"y", u"-1", u"x"},
        u"<xsl:sort data-type='{\"number\"}' order='{\"descending\"}'/>",
        u"10 9 -1 y x "},
@@ -66,7 +62,6 @@ TEST_F(Sorting, FollowsTheInstruction) {
        u"<xsl:sort " + key + u" order='descending'/><xsl:sort " + second + u" data-type='number'/>",
        u"b:0 b:1 a:2 a:10 "},
       {{u"b:1", u"a:2", u"b:0", u"a:1"}, u"<xsl:sort " + key + u"/>", u"a:2 a:1 b:1 b:0 "},
-      {{u"z", u"\u00E4", u"a"}, u"<xsl:sort lang='sv'/>", u"a z \u00E4 "},
       {{u"z", u"\u00E4", u"a"}, u"<xsl:sort lang='no such'/>", u"a \u00E4 z "},
   };
   for (const auto& example : cases) {
