@@ -126,22 +126,14 @@ ConverterWorld* ConverterTest::world_;
 Converter* ConverterTest::converter_;
 
 TEST_F(ConverterTest, TextGoesThroughEveryFormat) {
-  const auto source = world_->Write("a letter \u00e4%20.html", kLetter);
-  EXPECT_THAT(Convert(source, "docx", ConversionFormat::kDocx), HasSubstr("word/document.xml"));
-  const auto docx = *world_ / "letter.docx";
-  std::filesystem::rename(*world_ / "converted.docx", docx);
-  Convert(docx, "doc", ConversionFormat::kDoc);
-  const auto doc = *world_ / "letter.doc";
-  std::filesystem::rename(*world_ / "converted.doc", doc);
-  Convert(doc, "pdf", ConversionFormat::kPdf);
-  EXPECT_THAT(ToText(*world_ / "converted.pdf"),
-              HasSubstr("Dear Zo\u00eb,\n\u00a312, \u20ac5 & \u03a9"));
-  const std::string html = Convert(docx, "htm", ConversionFormat::kHtml);
-  EXPECT_THAT(html, HasSubstr("charset=windows-1252"));
-  EXPECT_THAT(html, HasSubstr("Dear Zo\xEB,"));
-  EXPECT_THAT(html, HasSubstr("\xA3"
-                              "12, \x80"
-                              "5 &amp; &#937;"));
+  auto source = world_->Write("a letter \u00e4%20.html", kLetter);
+  for (const auto& [name, format] : {std::pair("letter.docx", ConversionFormat::kDocx),
+                                     {"letter.doc", ConversionFormat::kDoc},
+                                     {"letter.pdf", ConversionFormat::kPdf}}) {
+    converter_->Convert(source, *world_ / name, format);
+    source = *world_ / name;
+  }
+  EXPECT_THAT(ToText(source), HasSubstr("Dear Zo\u00eb,\n\u00a312, \u20ac5 & \u03a9"));
   EXPECT_EQ(world_->PrivateFolders(), 1u) << "one warm worker serves them all";
 }
 

@@ -17,12 +17,9 @@ TEST(Opener, StartsTheProgramDetachedWithOneArgument) {
   EXPECT_EQ(opener.Next(), "1|" + target + "|/dev/null|/dev/null");
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child was left behind";
   EXPECT_EQ(errno, ECHILD);
-}
-
-TEST(Opener, RunsInASessionOfItsOwn) {
-  const RecordingOpener opener("$(cut -d ' ' -f 6 /proc/self/stat)");
+  const RecordingOpener session("$(cut -d ' ' -f 6 /proc/self/stat)");
   EXPECT_EQ(OpenForUser("/tmp/x"), OpenOutcome::kStarted);
-  EXPECT_NE(opener.Next(), std::to_string(getsid(0)));
+  EXPECT_NE(session.Next(), std::to_string(getsid(0)));
 }
 
 TEST(Opener, RunsAProgramAndWaitsForItsEnd) {
