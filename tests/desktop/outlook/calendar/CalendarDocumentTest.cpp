@@ -246,7 +246,7 @@ TEST_F(CalendarDocumentTest, WritesDaysOfTasksInTheKindThatTheyHave) {
 
 TEST_F(CalendarDocumentTest, ReadsBackWhatWasPut) {
   String text;
-  for (int i = 0; i < 20; ++i) text += u"a ,;\\\":n\u00E4\u20AC\U0001F600";
+  for (int i = 0; i < 20; ++i) text += u"a\r\n ,;\\\":n\u00E4\u20AC\U0001F600";
   const auto task = NewTask();
   for (StringView property : {u"subject", u"body", u"companies", u"owner"}) {
     task->Put(property, text);
