@@ -20,6 +20,13 @@ struct Script {
   std::vector<std::pair<std::string, Value>> answers;
   std::vector<std::pair<std::string, std::vector<std::string>>> walks{};
   std::vector<std::pair<std::string, std::string>> objects{};
+  // Every call that joins one of `paths` and one of `properties` gives `value`.
+  void Give(const std::vector<std::string>& paths, const std::vector<std::string>& properties,
+            const Value& value) {
+    for (const std::string& path : paths) {
+      for (const std::string& property : properties) answers.emplace_back(path + property, value);
+    }
+  }
 };
 
 // What becomes of the Outlook references in the object state, the bound contact folder included.
@@ -50,29 +57,25 @@ const Value kX = u"x";
 Script SelectTwo() {
   const std::string selection = "Outlook.Application.ActiveExplorer.selection";
   Script script{{{selection + ".count", 2}}};
-  for (const char* item : {".item(1)", ".item(2)"}) {
-    for (const char* field : {".EntryID", ".Parent.StoreID", ".Subject", ".SenderName", ".To"}) {
-      script.answers.emplace_back(selection + item + field, kX);
-    }
-  }
+  script.Give({selection + ".item(1)", selection + ".item(2)"},
+              {".EntryID", ".Parent.StoreID", ".Subject", ".SenderName", ".To"}, kX);
   return script;
 }
 
 // The contacts of the user and a folder in them, each with a contact of the CRM's.
 Script FillContacts() {
   const std::string subfolder = kContacts + ".Folders.item(1)";
-  Script script{{{kContacts + ".Folders.count", 1},
-                 {subfolder + ".Name", u"Work"},
-                 {subfolder + ".DefaultItemType", 2}}};
-  for (const std::string& items : {kContacts + ".Items", subfolder + ".Items"}) {
-    script.answers.emplace_back(items + ".count", 1);
-    script.answers.emplace_back(items + "(1).UserProperties.Find(\"KESTID\").Value", u"1");
-    script.answers.emplace_back(items + ".item(1).Class", 69);
-  }
-  const std::string stamp = ".Items.item(1).UserProperties.Find(\"KESTID\")";
-  script.answers.emplace_back(kContacts + stamp, kNothing);
-  script.answers.emplace_back(subfolder + stamp + ".Value", u"7");
-  script.answers.emplace_back(subfolder + ".Items.item(1).FullName", u"Ann");
+  const std::string stamp = ".UserProperties.Find(\"KESTID\")";
+  Script script;
+  script.Give(
+      {kContacts + ".Folders.count", kContacts + ".Items.count", subfolder + ".Items.count"}, {""},
+      1);
+  script.Give({kContacts, subfolder}, {".Items(1)" + stamp + ".Value"}, u"1");
+  script.Give({kContacts, subfolder}, {".Items.item(1).Class"}, 69);
+  script.Give({subfolder}, {".Name", ".Items.item(1).FullName"}, u"Work");
+  script.Give({subfolder}, {".DefaultItemType"}, 2);
+  script.Give({kContacts}, {".Items.item(1)" + stamp}, kNothing);
+  script.Give({subfolder}, {".Items.item(1)" + stamp + ".Value"}, u"7");
   return script;
 }
 
@@ -94,51 +97,33 @@ Script FillFolder(int32_t folder_number, int32_t item_type, int32_t item_class) 
   const std::string folder =
       kNamespace + ".GetDefaultFolder(" + std::to_string(folder_number) + ")";
   const std::string sorted = "Msxml2.DOMDocument.selectNodes(\"SORTROOT/SORTITEM\")";
-  Script script{{{folder + ".EntryID", kX},
-                 {folder + ".Folders.count", 2},
-                 {"Row.Class", item_class},
-                 {sorted + ".length", 2},
-                 {"Sorted.selectSingleNode(\"Param1\").text", kX},
-                 {"Sorted.selectSingleNode(\"Param2\").text", kX}},
-                {{folder + ".Items", {"Row", "Row"}}, {sorted, {"Sorted", "Sorted"}}}};
-  for (const char* item : {".item(1)", ".item(2)"}) {
-    const std::string subfolder = folder + ".Folders" + item;
-    script.answers.emplace_back(subfolder + ".DefaultItemType", item_type);
-    script.answers.emplace_back(subfolder + ".Items.count", 1);
-    for (const char* field : {".Name", ".EntryID"}) {
-      script.answers.emplace_back(subfolder + field, kX);
-    }
-  }
-  for (const char* field : {"EntryID", "LastName", "FullName", "Subject"}) {
-    script.answers.emplace_back("Row." + std::string(field), kX);
-  }
-  for (const char* field : {"DueDate", "StartDate", "DateCompleted"}) {
-    script.answers.emplace_back("Row." + std::string(field), MakeDate({2026, 3, 9}));
-  }
-  for (const char* field : {"complete", "TeamTask"}) {
-    script.answers.emplace_back("Row." + std::string(field), true);
-  }
-  for (const std::string name : {"Kestrelon", "KESTID", "USTID"}) {
-    script.answers.emplace_back("Row.UserProperties.Find(\"" + name + "\")", kNothing);
-  }
+  Script script{{}, {{folder + ".Items", {"Row", "Row"}}, {sorted, {"Sorted", "Sorted"}}}};
+  script.Give({folder + ".Folders.count", sorted + ".length"}, {""}, 2);
+  const std::vector<std::string> subfolders = {folder + ".Folders.item(1)",
+                                               folder + ".Folders.item(2)"};
+  script.Give(subfolders, {".DefaultItemType"}, item_type);
+  script.Give(subfolders, {".Items.count"}, 1);
+  script.Give(subfolders, {".Name", ".EntryID"}, kX);
+  script.Give({folder}, {".EntryID"}, kX);
+  script.Give({"Sorted.selectSingleNode("}, {"\"Param1\").text", "\"Param2\").text"}, kX);
+  script.Give({"Row"}, {".Class"}, item_class);
+  script.Give({"Row"}, {".EntryID", ".LastName", ".FullName", ".Subject"}, kX);
+  script.Give({"Row"}, {".DueDate", ".StartDate", ".DateCompleted"}, MakeDate({2026, 3, 9}));
+  script.Give({"Row"}, {".complete", ".TeamTask"}, true);
+  script.Give({"Row.UserProperties.Find("}, {"\"Kestrelon\")", "\"KESTID\")", "\"USTID\")"},
+              kNothing);
   return script;
 }
 
-ShownMessage Told(const String& text, int32_t flags = 0,
-                  const std::optional<String>& title = std::nullopt) {
+ShownMessage Told(const String& text, int32_t flags = 0, std::optional<String> title = {}) {
   return {text, flags, title};
 }
 
-OutlookCase Row(const char16_t* member, std::vector<Value> arguments, const char16_t* success,
-                std::vector<StringView> failures, std::vector<ShownMessage> messages = {},
-                Script script = {}, References references = References::kReleased) {
-  return {member,
-          std::move(arguments),
-          success,
-          std::move(failures),
-          std::move(messages),
-          std::move(script),
-          references};
+OutlookCase Row(const char16_t* member, const std::vector<Value>& arguments,
+                const char16_t* success, const std::vector<StringView>& failures,
+                const std::vector<ShownMessage>& messages = {}, const Script& script = {},
+                References references = References::kReleased) {
+  return {member, arguments, success, failures, messages, script, references};
 }
 
 OutlookCase Forgiving(OutlookCase row, int forgiven, bool may_raise = false) {
@@ -212,7 +197,7 @@ const std::vector<OutlookCase>& AllCases() {
                       {find + "guid\")", kNothing},
                       {find + "ACID\")", kNothing}}}),
                 1),
-      Row(u"CheckIfSynchronised", {u"7", u"contact"}, u"Ann in folder Work", {u"unknown"}, {},
+      Row(u"CheckIfSynchronised", {u"7", u"contact"}, u"Work in folder Work", {u"unknown"}, {},
           FillContacts()),
       // Items that the CRM does not know.
       Row(u"GetUnsyncedAppts", {}, u"x#~x#~x#~x#~", {u"", u"x#~x#~"},
