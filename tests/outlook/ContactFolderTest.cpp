@@ -1,3 +1,5 @@
+#include <tuple>
+
 #include "Control/InterfaceTable.h"
 #include "outlook/ContactFolder.h"
 #include "tests/outlook/OutlookMembers.h"
@@ -43,22 +45,16 @@ TEST_F(ContactFolder, BindsTheLastSubfolderOfThatNameOrTheContacts) {
     desktop.Answer(folder + ".Name", {Value(names[i - 1])});
     desktop.Answer(folder + ".Items.count", {0});
   }
-  const struct {
-    const char16_t* name;
-    const char16_t* bound;
-    int32_t position;
-  } cases[] = {{u"Work", u"D.Folders.item(3)", 3},
-               {u"work", u"D.Folders.item(2)", 2},
-               {u"WORK", u"D", 0},
-               {u"contacts", u"D", 0},
-               {u"Contacts", u"D", 0}};
-  for (const auto& example : cases) {
+  for (const auto& [name, bound, position] : {std::tuple(u"Work", u"D.Folders.item(3)", 3),
+                                              {u"work", u"D.Folders.item(2)", 2},
+                                              {u"WORK", u"D", 0},
+                                              {u"Contacts", u"D", 0}}) {
     desktop.log.clear();
     context.state.is_match_index_built = true;
-    Bind(example.name);
-    EXPECT_EQ(context.state.bound_contact_folder.pointer()->TypeName(), example.bound);
-    EXPECT_EQ(context.state.found_subfolder_position, example.position);
-    EXPECT_EQ(context.state.contact_folder_name, example.name);
+    Bind(name);
+    EXPECT_EQ(context.state.bound_contact_folder.pointer()->TypeName(), bound);
+    EXPECT_EQ(context.state.found_subfolder_position, position);
+    EXPECT_EQ(context.state.contact_folder_name, name);
     EXPECT_FALSE(context.state.is_match_index_built);
   }
   EXPECT_EQ(desktop.log, (Lines{"create Outlook.Application", kNamespace, kDefault, "D.Items",
@@ -139,12 +135,9 @@ TEST_F(AddedContact, WithoutAFolderItFailsForThePage) {
   EXPECT_EQ(NumberOf([&] { Add({u"7", u"Lee", u"", u""}); }), kObjectVariableNotSet);
   HtmlDocument page;
   EXPECT_FALSE(AddContactAll(context, page));
-  EXPECT_THAT(
-      desktop.messages,
-      ElementsAre(PlainMessage(u"SetContactFolder() has not been run. Run this before calling "
-                               u"AddContact()"),
-                  PlainMessage(u"SetContactFolder() has not been run. Run this before calling "
-                               u"AddContactAll()")));
+  const String text = u"SetContactFolder() has not been run. Run this before calling AddContact";
+  EXPECT_THAT(desktop.messages,
+              ElementsAre(PlainMessage(text + u"()"), PlainMessage(text + u"All()")));
 }
 
 std::string Field(const std::string& id) { return "Page.getElementById(\"" + id + "\").Value"; }

@@ -53,17 +53,31 @@ TEST_F(ContactRecords, ReadsEachFieldJustBeforeItIsWritten) {
     return std::find(desktop.log.begin(), desktop.log.end(), line);
   };
   const std::string value = ".getAttribute(\"value\")";
-  const Lines head(desktop.log.begin(), at("F.Items"));
-  EXPECT_EQ(head, (Lines{"create Msxml2.DOMDocument", head[1], "Xml.selectSingleNode(\"/record\")",
-                         "Xml.selectSingleNode(\"/record\").getAttribute(\"id\")",
-                         Query("FIRSTNAME"), Query("FIRSTNAME") + value, Query("LASTNAME"),
-                         Query("LASTNAME") + value, Query("FIRSTNAME"), Query("FIRSTNAME") + value,
-                         Query("LASTNAME"), Query("LASTNAME") + value, Query("EMAIL1ADDRESS"),
-                         Query("EMAIL1ADDRESS") + value}));
-  EXPECT_EQ(Lines(at("F.Items"), at(kNew + ".FirstName = \"Ann\"")),
-            (Lines{"F.Items", "F.Items.Count", "F.Items", kNew, Query("ACCOUNT_NAME"),
-                   kNew + ".CompanyName = \"\"", Query("TITLE"), kNew + ".title = \"\"",
-                   Query("FIRSTNAME"), Query("FIRSTNAME") + value}));
+  const std::string first = Query("FIRSTNAME"), last = Query("LASTNAME");
+  const std::string email = Query("EMAIL1ADDRESS"), record = "Xml.selectSingleNode(\"/record\")";
+  EXPECT_EQ(Lines(at(record), at(kNew + ".FirstName = \"Ann\"")),
+            (Lines{record,
+                   record + ".getAttribute(\"id\")",
+                   first,
+                   first + value,
+                   last,
+                   last + value,
+                   first,
+                   first + value,
+                   last,
+                   last + value,
+                   email,
+                   email + value,
+                   "F.Items",
+                   "F.Items.Count",
+                   "F.Items",
+                   kNew,
+                   Query("ACCOUNT_NAME"),
+                   kNew + ".CompanyName = \"\"",
+                   Query("TITLE"),
+                   kNew + ".title = \"\"",
+                   first,
+                   first + value}));
 }
 
 TEST_F(ContactRecords, WritesEveryPropertyInItsOrder) {
@@ -176,18 +190,14 @@ TEST_F(ContactRecords, TellsWhyARecordIsNotWritten) {
   EXPECT_FALSE(Export(kAnn));
   bool flag = true;
   EXPECT_EQ(CheckOutLookContactExists(context, u"1", u"", u"", u"", flag), ContactMatch::kNone);
-  EXPECT_THAT(
-      desktop.messages,
-      ElementsAre(PlainMessage(u"SetContactFolder() has not been run. Run this before calling "
-                               u"AddUpdateContactXml()"),
-                  PlainMessage(u"SetContactFolder() has not been run. Run this before calling "
-                               u"CheckOutLookContactExists()")));
+  const String text = u"SetContactFolder() has not been run. Run this before calling ";
+  EXPECT_THAT(desktop.messages, ElementsAre(PlainMessage(text + u"AddUpdateContactXml()"),
+                                            PlainMessage(text + u"CheckOutLookContactExists()")));
 }
 
 TEST_F(ContactRecords, AFieldWithoutValueIsToldAndReadAsEmpty) {
-  const bool is_written =
-      Export(u"<record id='1'><field name='LASTNAME' value='Lee'/><field name='HOBBY'/></record>");
-  EXPECT_TRUE(is_written);
+  EXPECT_TRUE(
+      Export(u"<record id='1'><field name='LASTNAME' value='Lee'/><field name='HOBBY'/></record>"));
   EXPECT_THAT(desktop.log, Contains(kNew + ".Hobby = \"\""));
   EXPECT_THAT(desktop.messages, ElementsAre(PlainMessage(u"Error occured in GetXMLFieldValue(): "
                                                          u"Invalid use of Null")));

