@@ -66,13 +66,5 @@ TEST_F(Selection, OutlookThatIsNotRunningIsStartedAndReported) {
   EXPECT_EQ(desktop.messages, (Messages{kNotRunning, kNotRunning}));
 }
 
-TEST_F(Selection, AnyOtherFailureToAttachIsToldTwice) {
-  desktop.Fail("attach", AutomationError(70));
-  EXPECT_EQ(GetOutlookSelection(context), u"No Outlook");
-  ASSERT_EQ(desktop.messages.size(), 2U);
-  EXPECT_EQ(desktop.messages[0], PlainMessage(u"Permission denied"));
-  EXPECT_EQ(desktop.log.size(), 1U);
-}
-
 }  // namespace
 }  // namespace kestrelon
