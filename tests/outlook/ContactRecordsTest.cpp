@@ -55,8 +55,10 @@ TEST_F(ContactRecords, ReadsEachFieldJustBeforeItIsWritten) {
   const std::string value = ".getAttribute(\"value\")";
   const std::string first = Query("FIRSTNAME"), last = Query("LASTNAME");
   const std::string email = Query("EMAIL1ADDRESS"), record = "Xml.selectSingleNode(\"/record\")";
-  EXPECT_EQ(Lines(at(record), at(kNew + ".FirstName = \"Ann\"")),
-            (Lines{record,
+  EXPECT_EQ(Lines(desktop.log.begin(), at(kNew + ".FirstName = \"Ann\"")),
+            (Lines{"create Msxml2.DOMDocument",
+                   desktop.log[1],
+                   record,
                    record + ".getAttribute(\"id\")",
                    first,
                    first + value,
