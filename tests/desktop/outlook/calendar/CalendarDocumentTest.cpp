@@ -1,7 +1,9 @@
 // Appointments and tasks as other programs write them, and what becomes of their files.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <random>
 
 #include "desktop/outlook/formats/CalendarDocument.h"
 #include "tests/desktop/outlook/Properties.h"
@@ -245,23 +247,36 @@ TEST_F(CalendarDocumentTest, WritesDaysOfTasksInTheKindThatTheyHave) {
 }
 
 TEST_F(CalendarDocumentTest, ReadsBackWhatWasPut) {
-  String text;
-  for (int i = 0; i < 20; ++i) text += u"a\r\n ,;\\\":n\u00E4\u20AC\U0001F600";
-  const auto task = NewTask();
-  for (StringView property : {u"subject", u"body", u"companies", u"owner"}) {
-    task->Put(property, text);
-    EXPECT_EQ(ReadCalendarItem(task->content())->Get(property).AsString(), text);
-  }
-  for (const int32_t value : {0, 1, 2}) {
-    task->Put(u"importance", value);
-    task->Put(u"sensitivity", value + 1);
-    task->Put(u"totalwork", value * 500);
-    task->Put(u"teamtask", value == 1);
+  std::mt19937 random(1);
+  const auto pick = [&random](int count) { return static_cast<int>(random() % count); };
+  const auto text = [&pick] {
+    constexpr char16_t kOdd[] = {u'a', u' ', u',', u';', u'\\', u'"', u':', u'n', 0xE4, 0x20AC};
+    String made = u"x";
+    for (int i = pick(120); i > 0; --i) made += kOdd[pick(std::size(kOdd))];
+    return pick(4) == 0 ? made + u"\r\n" + made : made;
+  };
+  const std::vector<StringView> texts = {u"subject", u"body", u"companies", u"owner"};
+  for (int round = 0; round < 200; ++round) {
+    const auto task = pick(2) == 0 ? NewTask() : ReadCalendarItem(Task("BEGIN:VALARM\r\n"));
+    std::vector<std::pair<StringView, Value>> puts;
+    for (StringView property : texts) puts.push_back({property, text()});
+    puts.push_back({u"duedate", Date{40000.0 + pick(20000)}});
+    puts.push_back({u"importance", pick(3)});
+    puts.push_back({u"sensitivity", pick(4)});
+    puts.push_back({u"teamtask", pick(2) == 1});
+    puts.push_back({u"totalwork", pick(1000)});
+    std::shuffle(puts.begin(), puts.end(), random);
+    for (const auto& [property, value] : puts) task->Put(property, value);
+    task->PutUserField({u"KESTID", 1, text()});
     const auto again = ReadCalendarItem(task->content());
-    EXPECT_EQ(again->Get(u"importance").ToLong(), value);
-    EXPECT_EQ(again->Get(u"sensitivity").ToLong(), value + 1);
-    EXPECT_EQ(again->Get(u"totalwork").ToLong(), value * 500);
-    EXPECT_EQ(again->Get(u"teamtask").AsBoolean(), value == 1);
+    for (const auto& [property, value] : puts) {
+      const Value read = again->Get(property);
+      const bool is_equal =
+          value.IsDate() ? read.AsDate() == value.AsDate() : read.ToText() == value.ToText();
+      EXPECT_TRUE(is_equal) << ToUtf8(property) << "\n" << task->content();
+    }
+    EXPECT_EQ(again->UserFields().size(), 1u);
+    EXPECT_EQ(again->FindUserField(u"kestid")->value, task->FindUserField(u"KESTID")->value);
   }
 }
 

@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <random>
 
 #include "desktop/outlook/store/FolderFiles.h"
 #include "desktop/storage/AtomicFile.h"
@@ -254,6 +257,36 @@ TEST_F(FolderFilesTest, TwoProcessesLoseNothing) {
   EXPECT_EQ(files_.Find("counter.vcf")->Content(),
             CardOf("counter") + std::string(2 * kRounds, '+'));
   EXPECT_EQ(Names(files_), NamesAfterRestart());
+}
+
+TEST_F(FolderFilesTest, AKilledWriterLeavesWholeFiles) {
+  const std::string old_card = CardOf("x", std::string(100'000, 'o'));
+  const std::string new_card = CardOf("x", std::string(100'000, 'n'));
+  files_.Create("x", ".vcf", ItemClass::kContact, old_card);
+  std::mt19937 random(7);
+  size_t count = 1;
+  for (int round = 0; round < 30; ++round) {
+    const pid_t child = Fork([&] {
+      FolderFiles files(path_);
+      while (true) {
+        ItemFilePointer x = files.Find("x.vcf");
+        files.Replace(x, x->Content() == old_card ? new_card : old_card);
+        files.Create("", ".vcf", ItemClass::kContact, old_card);
+      }
+    });
+    while (files_.Count() == count) usleep(100);
+    usleep(random() % 5000);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    FolderFiles files(path_);
+    ASSERT_GT(files.Count(), count);
+    count = files.Count();
+    for (size_t i = 0; i < count; ++i) {
+      const std::string content = files.At(i)->Content();
+      ASSERT_TRUE(content == old_card || (content == new_card && files.At(i)->name == "x.vcf"));
+    }
+    EXPECT_EQ(files.At(0)->name, "x.vcf");
+  }
 }
 
 }  // namespace
