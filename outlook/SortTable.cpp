@@ -15,18 +15,8 @@ Object AddElement(const Object& document, const Object& parent, StringView name)
   return element;
 }
 
-// Names out of old exports hold vertical tabs and the like, which XML refuses; one such contact
-// must not cost the whole list.
-String WithoutControlCharacters(String text) {
-  std::erase_if(text, [](char16_t unit) {
-    const bool is_space = unit == u'\t' || unit == u'\r' || unit == u'\n';
-    return (unit < u' ' && !is_space) || unit >= 0xFFFE;
-  });
-  return text;
-}
-
 void AddText(const Object& document, const Object& parent, StringView name, const String& text) {
-  AddElement(document, parent, name).Put(u"text", WithoutControlCharacters(text));
+  AddElement(document, parent, name).Put(u"text", text);
 }
 
 void AddAttribute(const Object& document, const Object& element, StringView name, StringView text) {
