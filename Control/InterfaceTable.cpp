@@ -6,7 +6,13 @@
 #include "Control/LocaleAndEnvironment.h"
 #include "Control/OfficeConnection.h"
 #include "Control/ServerName.h"
+#include "documents/ExcelQuote.h"
 #include "documents/Letters.h"
+#include "documents/Quotes.h"
+#include "documents/ReportPdf.h"
+#include "documents/TemplateLists.h"
+#include "files/Opening.h"
+#include "files/Uploading.h"
 #include "outlook/Appointments.h"
 #include "outlook/ContactFolder.h"
 #include "outlook/ContactRecords.h"
@@ -17,15 +23,10 @@
 #include "outlook/Selection.h"
 #include "outlook/Stamps.h"
 #include "outlook/UnsyncedItems.h"
+#include "telephony/Dialer.h"
 
 namespace kestrelon {
 namespace {
-
-// Stands for a member until it is built.
-template <typename Result, typename... Args>
-Result NotImplemented(ControlContext&, Args&...) {
-  throw AutomationError(kNotImplemented);
-}
 
 std::vector<Parameter> AllRequired(std::initializer_list<StringView> names) {
   std::vector<Parameter> parameters;
@@ -68,10 +69,6 @@ std::vector<Parameter> OriginalMailParameters() {
   return AllRequired({u"strAddress", u"strFrom", u"strSent", u"strTo", u"strSubject", u"strBody"});
 }
 
-using S = String;
-using B = bool;
-using V = Value;
-
 void AddItemMembers(std::vector<Member>& table) {
   table.push_back(Describe(u"NewAppointment", 0x60030001, &NewAppointment,
                            {Required(u"AccountInfo"), Required(u"ServerName"),
@@ -94,10 +91,10 @@ void AddLetterMembers(std::vector<Member>& table) {
       Describe(u"CreateLetterXML", 0x6003000A, &CreateLetterXML, LetterWithSubjectParameters()));
   table.push_back(Describe(u"CreateContactLetter", 0x6003000D, &CreateContactLetter,
                            AllRequired({u"oHTMLDoc", u"template"})));
-  table.push_back(Describe(u"GetTemplateList", 0x6003000E, &NotImplemented<S, S, S>,
+  table.push_back(Describe(u"GetTemplateList", 0x6003000E, &GetTemplateList,
                            AllRequired({u"folderpath", u"listtype"})));
-  table.push_back(Describe(u"FindFile", 0x6003000F, &NotImplemented<B, S>, AllRequired({u"path"})));
-  table.push_back(Describe(u"CreateHTMforPDF", 0x60030010, &NotImplemented<V, S, S, S, S, S, S>,
+  table.push_back(Describe(u"FindFile", 0x6003000F, &FindFile, AllRequired({u"path"})));
+  table.push_back(Describe(u"CreateHTMforPDF", 0x60030010, &CreateHTMforPDF,
                            AllRequired({u"theBody", u"theUniqueName", u"address", u"Subject",
                                         u"mailType", u"addressType"})));
   table.push_back(Describe(u"GetVersion", 0x60030016, &GetVersion));
@@ -114,7 +111,7 @@ void AddContactMembers(std::vector<Member>& table) {
                                         u"overwriteEmailNameMatch"})));
   table.push_back(Describe(u"CleanUpOutlook", 0x6003001D, &CleanUpOutlook));
   table.push_back(Describe(u"CreateExcelApp", 0x6003001E, &CreateExcelApp));
-  table.push_back(Describe(u"OpenFile", 0x6003001F, &NotImplemented<S, S, B>,
+  table.push_back(Describe(u"OpenFile", 0x6003001F, &OpenFile,
                            {Required(u"filePath"), Optional(u"ManagedStorage", false)}));
 }
 
@@ -132,7 +129,7 @@ void AddFolderMembers(std::vector<Member>& table) {
       Describe(u"ImportTask", 0x60030025, &ImportTask, AllRequired({u"foldername", u"taskName"})));
   table.push_back(Describe(u"dateFormatOrder", 0x60030026, &dateFormatOrder));
   table.push_back(Describe(u"currencyFormat", 0x60030027, &currencyFormat));
-  table.push_back(Describe(u"UploadFile", 0x60030029, &NotImplemented<B, S, S>,
+  table.push_back(Describe(u"UploadFile", 0x60030029, &UploadFile,
                            AllRequired({u"filePath", u"ImportDirectory"})));
 }
 
@@ -145,14 +142,14 @@ void AddMailAndQuoteMembers(std::vector<Member>& table) {
   table.push_back(Describe(u"SendEmailFull", 0x6003002E, &SendEmailFull, OriginalMailParameters()));
   table.push_back(Describe(u"ForwardEmailWithOriginal", 0x6003002F, &ForwardEmailWithOriginal,
                            OriginalMailParameters()));
-  table.push_back(Describe(u"WordQuote", 0x60030030, &NotImplemented<S, XmlDocument, S, S, S, S>,
+  table.push_back(Describe(u"WordQuote", 0x60030030, &WordQuote,
                            AllRequired({u"xmlDoc", u"strTemplate", u"strSavePath",
                                         u"strMakeWordVisible", u"strReplaceinheader"})));
-  table.push_back(Describe(
-      u"WordQuoteHtml", 0x60030031, &NotImplemented<S, XmlDocument, S, S, S, S, S, S, S, S, S, S>,
-      AllRequired({u"xmlDoc", u"address", u"Subject", u"mailType", u"addressType", u"strTemplate",
-                   u"strFormat", u"strSavePath", u"strReplaceinheader", u"strMakeWordVisible",
-                   u"strQuoteFileName"})));
+  table.push_back(
+      Describe(u"WordQuoteHtml", 0x60030031, &WordQuoteHtml,
+               AllRequired({u"xmlDoc", u"address", u"Subject", u"mailType", u"addressType",
+                            u"strTemplate", u"strFormat", u"strSavePath", u"strReplaceinheader",
+                            u"strMakeWordVisible", u"strQuoteFileName"})));
   table.push_back(Describe(u"CreateMessage", 0x60030035, &CreateMessage,
                            AllRequired({u"strMessage", u"intButtons", u"strTitle"})));
 }
@@ -164,18 +161,17 @@ void AddRemainingMembers(std::vector<Member>& table) {
                            AllRequired({u"strItemID", u"strEntryID", u"strItemType"})));
   table.push_back(Describe(u"CheckIfSynchronised", 0x60030038, &CheckIfSynchronised,
                            AllRequired({u"strEntryID", u"strItemType"})));
-  table.push_back(Describe(u"ExcelQuote", 0x6003003B, &NotImplemented<B, HtmlDocument, S>,
-                           AllRequired({u"oHTMLDoc", u"strColumns"})));
+  table.push_back(
+      Describe(u"ExcelQuote", 0x6003003B, &ExcelQuote, AllRequired({u"oHTMLDoc", u"strColumns"})));
   table.push_back(Describe(u"CreateContactAsvCard", 0x6003003C, &CreateContactAsvCard,
                            AllRequired({u"oHTMLDoc"})));
   table.push_back(Describe(u"CheckForOutlook", 0x6003003D, &CheckForOutlook));
   table.push_back(Describe(u"CheckForWord", 0x6003003E, &CheckForWord));
+  table.push_back(Describe(u"MakeCall", 0x60030045, &MakeCall, AllRequired({u"sParameters"})));
+  table.push_back(Describe(u"HangupCall", 0x60030046, &HangupCall));
   table.push_back(
-      Describe(u"MakeCall", 0x60030045, &NotImplemented<V, V>, AllRequired({u"sParameters"})));
-  table.push_back(Describe(u"HangupCall", 0x60030046, &NotImplemented<V>));
-  table.push_back(
-      Describe(u"GetDialerVersion", 0x60030047, &NotImplemented<S, V>, AllRequired({u"sObject"})));
-  table.push_back(Describe(u"GetTapiDrivers", 0x60030052, &NotImplemented<S>));
+      Describe(u"GetDialerVersion", 0x60030047, &GetDialerVersion, AllRequired({u"sObject"})));
+  table.push_back(Describe(u"GetTapiDrivers", 0x60030052, &GetTapiDrivers));
   table.push_back(Describe(u"GetUnsyncedAppts", 0x6003005A, &GetUnsyncedAppts));
   table.push_back(Describe(u"GetUnsyncedTasks", 0x6003005B, &GetUnsyncedTasks));
   table.push_back(Describe(u"GetUnsyncedContacts", 0x6003005C, &GetUnsyncedContacts,

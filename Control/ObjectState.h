@@ -56,6 +56,8 @@ struct ObjectState {
   Object acrobat_application;
   Object acrobat_document;
   Object acrobat_pd_document;
+  Object file_system;  // created on first use, see FileSystemOf
+  Object dialer;       // of the last call that was placed
   TagTable tag_table;
   String remembered_store_id;  // of the last folder that an item was opened from
   OsVersionRecord os_version;

@@ -1,9 +1,22 @@
 #include "Control/OfficeConnection.h"
 
+#include "Control/ErrorReporting.h"
+
 namespace kestrelon {
 namespace {
 
 String TrueOrFalse(bool value) { return value ? u"True" : u"False"; }
+
+Object StartApplication(ControlContext& context, StringView prog_id, const String& name) {
+  Object application;
+  Attempt([&] { application = context.platform.CreateObject(prog_id); },
+          [&](const AutomationError&) {
+            ShowMessage(context,
+                        u"Unable to start " + name + u" - check that it is installed correctly",
+                        kExclamation, u"Kestrelon");
+          });
+  return application;
+}
 
 }  // namespace
 
@@ -42,6 +55,14 @@ Object CreateExcelApp(ControlContext& context) {
     context.state.excel_application = excel;
   });
   return excel;
+}
+
+Object StartWord(ControlContext& context) {
+  return StartApplication(context, u"Word.Application", u"Microsoft Word");
+}
+
+Object StartExcel(ControlContext& context) {
+  return StartApplication(context, u"Excel.Application", u"Microsoft Excel");
 }
 
 String GetOutlookErrorResult(std::optional<AutomationError>& pending,

@@ -20,6 +20,10 @@ String CheckForWord(ControlContext& context);
 // A new Excel, kept in the object state and handed to the page; Nothing when there is no Excel.
 Object CreateExcelApp(ControlContext& context);
 
+// A new Word or Excel; Nothing after telling the user that it cannot be started.
+Object StartWord(ControlContext& context);
+Object StartExcel(ControlContext& context);
+
 // The result word of an Outlook member that failed with `pending`: "NoOutlook" when Outlook could
 // not be created, and the failure stays pending; otherwise the member's code in decimal, and
 // nothing is pending any more. `step_text` is accepted and not used: the step reached is not

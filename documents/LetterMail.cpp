@@ -2,14 +2,13 @@
 
 #include <cstdio>
 
+#include "Control/FileAccess.h"
 #include "Control/OfficeConnection.h"
 #include "documents/WordConstants.h"
 #include "outlook/OutlookConstants.h"
 
 namespace kestrelon {
 namespace {
-
-constexpr int32_t kForReading = 1;
 
 // Minutes and seconds, always of a 24-hour clock: "05_09".
 String MinuteStamp(ControlContext& context) {
@@ -22,14 +21,6 @@ String MinuteStamp(ControlContext& context) {
 void CloseAndQuit(const Object& wordApp, const Object& document) {
   document.Call(u"Close");
   wordApp.Call(u"Quit", wdDoNotSaveChanges);
-}
-
-String ReadTextFile(ControlContext& context, const String& path) {
-  const Object files = context.platform.CreateObject(u"Scripting.FileSystemObject");
-  const Object stream = files.CallChild(u"OpenTextFile", path, kForReading);
-  const String text = stream.Call(u"ReadAll").ToText();
-  stream.Call(u"Close");
-  return text;
 }
 
 }  // namespace

@@ -35,6 +35,28 @@ class ForwardingPlatform : public Platform {
     platform_.SendKeyEvent(key_code, scan_code, flags, extra_information);
   }
   std::optional<String> CreateGuid() override { return platform_.CreateGuid(); }
+  uint32_t GetTempFileNameAnsi(const char* folder, const char* prefix, uint32_t unique,
+                               char* buffer) override {
+    return platform_.GetTempFileNameAnsi(folder, prefix, unique, buffer);
+  }
+  SystemHandle GetDesktopWindow() override { return platform_.GetDesktopWindow(); }
+  int32_t ShellExecute(SystemHandle window, const String& operation, const String& file,
+                       const String& parameters, const String& directory, int32_t show) override {
+    return platform_.ShellExecute(window, operation, file, parameters, directory, show);
+  }
+  SystemHandle OpenInternet(const String& agent, uint32_t access_type) override {
+    return platform_.OpenInternet(agent, access_type);
+  }
+  SystemHandle OpenInternetUrl(SystemHandle connection, const String& url,
+                               uint32_t flags) override {
+    return platform_.OpenInternetUrl(connection, url, flags);
+  }
+  bool ReadInternetFile(SystemHandle file, char* buffer, uint32_t size,
+                        uint32_t& bytes_read) override {
+    return platform_.ReadInternetFile(file, buffer, size, bytes_read);
+  }
+  void CloseInternetHandle(SystemHandle handle) override { platform_.CloseInternetHandle(handle); }
+  void Pause(uint32_t milliseconds) override { platform_.Pause(milliseconds); }
 
  private:
   Platform& platform_;

@@ -38,6 +38,12 @@ struct OsVersionRecord {
   std::array<char, 128> service_pack{};  // ANSI, ends with NUL
 };
 
+// A window, or something read over the internet, as the system numbers it; 0 is none.
+using SystemHandle = uint64_t;
+
+// What OpenInternetUrl is asked for: the server's own answer, never one of the cache.
+constexpr uint32_t kInternetReload = 0x80000000;
+
 class Platform {
  public:
   virtual ~Platform() = default;
@@ -71,6 +77,35 @@ class Platform {
   // CoCreateGuid and StringFromCLSID: a new GUID in its registry form, "{" + 8-4-4-4-12 upper-case
   // hexadecimal digits + "}"; nothing on failure.
   virtual std::optional<String> CreateGuid() = 0;
+  // GetTempFileNameA: with `unique` 0, makes a new, empty file in `folder`, which may end with a
+  // separator. Its name is the first three characters of `prefix`, a number in hexadecimal digits
+  // and ".tmp". `buffer` takes its path with the terminator, 260 bytes at most. The number; 0 on
+  // failure, as for a prefix with characters that no file name may have.
+  virtual uint32_t GetTempFileNameAnsi(const char* folder, const char* prefix, uint32_t unique,
+                                       char* buffer) = 0;
+
+  virtual SystemHandle GetDesktopWindow() = 0;
+  // ShellExecuteA: hands `file` to the program that its type is associated with. Over 32 on
+  // success, else the system's code for what went wrong (2 file not found, 5 access denied, …).
+  // `show` is 1 for a normal window.
+  virtual int32_t ShellExecute(SystemHandle window, const String& operation, const String& file,
+                               const String& parameters, const String& directory, int32_t show) = 0;
+
+  // InternetOpenA without proxy, bypass and flags: a connection with the name `agent`; access type
+  // 0 goes the way that the user has set up. 0 on failure.
+  virtual SystemHandle OpenInternet(const String& agent, uint32_t access_type) = 0;
+  // InternetOpenUrlA without headers: asks for `url`; the answer can be read from the handle. 0 on
+  // failure.
+  virtual SystemHandle OpenInternetUrl(SystemHandle connection, const String& url,
+                                       uint32_t flags) = 0;
+  // InternetReadFile: `bytes_read` is 0 at the end, and where the connection broke.
+  virtual bool ReadInternetFile(SystemHandle file, char* buffer, uint32_t size,
+                                uint32_t& bytes_read) = 0;
+  // InternetCloseHandle.
+  virtual void CloseInternetHandle(SystemHandle handle) = 0;
+
+  // Lets the desktop's programs work for so many milliseconds.
+  virtual void Pause(uint32_t milliseconds) = 0;
 };
 
 }  // namespace kestrelon

@@ -5,18 +5,25 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <thread>
 
+#include "desktop/acrobat/Acrobat.h"
+#include "desktop/excel/ExcelApplication.h"
 #include "desktop/filesystem/FileSystemObject.h"
+#include "desktop/http/HttpRequest.h"
 #include "desktop/locale/UserLocale.h"
 #include "desktop/opener/Opener.h"
 #include "desktop/outlook/objects/OutlookApplication.h"
 #include "desktop/storage/AtomicFile.h"
+#include "desktop/tapi/Dialer.h"
+#include "desktop/tapi/Tapi.h"
 #include "desktop/word/WordApplication.h"
 #include "desktop/xml/XmlDocuments.h"
 
@@ -28,9 +35,18 @@ struct Server {
   Object (*create)();
 };
 
-constexpr std::array<Server, 8> kServers = {{
+constexpr std::array<Server, 17> kServers = {{
     {u"Word.Application", &desktop::CreateWordApplication},
     {u"Outlook.Application", &desktop::CreateOutlookApplication},
+    {u"Excel.Application", &desktop::CreateExcelApplication},
+    {u"AcroExch.App", &desktop::CreateAcrobatApplication},
+    {u"AcroExch.AVDoc", &desktop::CreateAcrobatDocument},
+    {u"TAPI.TAPI", &desktop::CreateTapi},
+    {u"Kestrelon.Dialer", &desktop::CreateLinkDialer},
+    {u"MSXML2.XMLHTTP", &desktop::CreateHttpRequest},
+    {u"MSXML2.XMLHTTP.3.0", &desktop::CreateHttpRequest},
+    {u"MSXML2.XMLHTTP.6.0", &desktop::CreateHttpRequest},
+    {u"Microsoft.XMLHTTP", &desktop::CreateHttpRequest},
     {u"Scripting.FileSystemObject", &desktop::CreateFileSystemObject},
     {u"MSXML2.DOMDocument", &desktop::CreateXmlDocument},
     {u"MSXML2.DOMDocument.3.0", &desktop::CreateXmlDocument},
@@ -69,6 +85,7 @@ Object LinuxPlatform::CreateObject(StringView prog_id, StringView server) {
   for (const Server& entry : kServers) {
     if (EqualIgnoringCase(entry.prog_id, prog_id)) return entry.create();
   }
+  if (Object dialer = desktop::CreateConfiguredDialer(prog_id)) return dialer;
   throw AutomationError(kCannotCreateObject);
 }
 
@@ -171,6 +188,10 @@ std::optional<String> LinuxPlatform::CreateGuid() {
     text += digits;
   }
   return FromUtf8(text + "}");
+}
+
+void LinuxPlatform::Pause(uint32_t milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
 }  // namespace kestrelon

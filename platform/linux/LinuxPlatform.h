@@ -38,6 +38,17 @@ class LinuxPlatform final : public Platform {
   void SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
                     uint32_t extra_information) override;
   std::optional<String> CreateGuid() override;
+  uint32_t GetTempFileNameAnsi(const char* folder, const char* prefix, uint32_t unique,
+                               char* buffer) override;
+  SystemHandle GetDesktopWindow() override { return 1; }
+  int32_t ShellExecute(SystemHandle window, const String& operation, const String& file,
+                       const String& parameters, const String& directory, int32_t show) override;
+  SystemHandle OpenInternet(const String& agent, uint32_t access_type) override;
+  SystemHandle OpenInternetUrl(SystemHandle connection, const String& url, uint32_t flags) override;
+  bool ReadInternetFile(SystemHandle file, char* buffer, uint32_t size,
+                        uint32_t& bytes_read) override;
+  void CloseInternetHandle(SystemHandle handle) override;
+  void Pause(uint32_t milliseconds) override;
 
  private:
   void MakeTempFolder();

@@ -53,7 +53,7 @@ class Letters : public ::testing::Test {
   }
 
   const std::string kStream =
-      "Scripting.FileSystemObject.OpenTextFile(\"/tmp/Letter05_09.htm\", 1)";
+      "Scripting.FileSystemObject.OpenTextFile(\"/tmp/Letter05_09.htm\", 1, False, 0)";
   testing::ScriptedDesktop desktop;
   ControlContext context{desktop};
   String template_path = u"a.dotx";

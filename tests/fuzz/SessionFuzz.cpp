@@ -31,6 +31,17 @@ class NoDesktop final : public Platform {
   int32_t GetOsVersion(OsVersionRecord&) override { return 0; }
   void SendKeyEvent(uint8_t, uint8_t, uint32_t, uint32_t) override {}
   std::optional<String> CreateGuid() override { return std::nullopt; }
+  uint32_t GetTempFileNameAnsi(const char*, const char*, uint32_t, char*) override { return 0; }
+  SystemHandle GetDesktopWindow() override { return 0; }
+  int32_t ShellExecute(SystemHandle, const String&, const String&, const String&, const String&,
+                       int32_t) override {
+    return 0;
+  }
+  SystemHandle OpenInternet(const String&, uint32_t) override { return 0; }
+  SystemHandle OpenInternetUrl(SystemHandle, const String&, uint32_t) override { return 0; }
+  bool ReadInternetFile(SystemHandle, char*, uint32_t, uint32_t&) override { return false; }
+  void CloseInternetHandle(SystemHandle) override {}
+  void Pause(uint32_t) override {}
 
  private:
   commandline::MessageLog& messages_;

@@ -122,4 +122,46 @@ void ScriptedDesktop::SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t
           std::to_string(flags));
 }
 
+uint32_t ScriptedDesktop::GetTempFileNameAnsi(const char* folder, const char* prefix,
+                                              uint32_t /*unique*/, char* buffer) {
+  log.push_back(std::string("temp file in ") + folder + " for " + prefix);
+  if (temp_file_fails) return 0;
+  std::strcpy(buffer, (folder + std::string(prefix).substr(0, 3) + "1A2B.tmp").c_str());
+  return 0x1A2B;
+}
+
+int32_t ScriptedDesktop::ShellExecute(SystemHandle /*window*/, const String& operation,
+                                      const String& file, const String& parameters,
+                                      const String& directory, int32_t /*show*/) {
+  log.push_back("shell " + ToUtf8(operation + u" " + file + parameters + u" in " + directory));
+  return shell_result;
+}
+
+SystemHandle ScriptedDesktop::OpenInternet(const String& agent, uint32_t /*access_type*/) {
+  log.push_back("internet " + ToUtf8(agent));
+  return 1;
+}
+
+SystemHandle ScriptedDesktop::OpenInternetUrl(SystemHandle /*connection*/, const String& url,
+                                              uint32_t /*flags*/) {
+  log.push_back("url " + ToUtf8(url));
+  page_read_ = 0;
+  return web_page ? 2 : 0;
+}
+
+bool ScriptedDesktop::ReadInternetFile(SystemHandle /*file*/, char* buffer, uint32_t size,
+                                       uint32_t& bytes_read) {
+  bytes_read = static_cast<uint32_t>(web_page->copy(buffer, size, page_read_));
+  page_read_ += bytes_read;
+  return true;
+}
+
+void ScriptedDesktop::CloseInternetHandle(SystemHandle handle) {
+  log.push_back("close " + std::to_string(handle));
+}
+
+void ScriptedDesktop::Pause(uint32_t milliseconds) {
+  Perform("pause " + std::to_string(milliseconds));
+}
+
 }  // namespace kestrelon::testing

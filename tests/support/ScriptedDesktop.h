@@ -46,6 +46,11 @@ class ScriptedDesktop final : public Platform {
   bool locale_fails = false;
   uint32_t os_major_version = 6;
   std::optional<String> guid = u"{01234567-89AB-CDEF-0123-456789ABCDEF}";
+  // What the shell answers; what a URL gives, nothing for one that cannot be opened; whether
+  // temporary files can be made.
+  int32_t shell_result = 33;
+  std::optional<std::string> web_page;
+  bool temp_file_fails = false;
   Date now = {45000.0 + (13 * 3600 + 5 * 60 + 9) / 86400.0};
 
   Object CreateObject(StringView prog_id, StringView server) override;
@@ -62,6 +67,19 @@ class ScriptedDesktop final : public Platform {
   void SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
                     uint32_t extra_information) override;
   std::optional<String> CreateGuid() override { return guid; }
+  // Lines of the log that cannot be made to fail: "temp file in /tmp/ for Quo", "shell Open a.doc
+  // in C:\\", "internet VB OpenUrl", "url http://…", "close 2", "pause 100".
+  uint32_t GetTempFileNameAnsi(const char* folder, const char* prefix, uint32_t unique,
+                               char* buffer) override;
+  SystemHandle GetDesktopWindow() override { return 7; }
+  int32_t ShellExecute(SystemHandle window, const String& operation, const String& file,
+                       const String& parameters, const String& directory, int32_t show) override;
+  SystemHandle OpenInternet(const String& agent, uint32_t access_type) override;
+  SystemHandle OpenInternetUrl(SystemHandle connection, const String& url, uint32_t flags) override;
+  bool ReadInternetFile(SystemHandle file, char* buffer, uint32_t size,
+                        uint32_t& bytes_read) override;
+  void CloseInternetHandle(SystemHandle handle) override;
+  void Pause(uint32_t milliseconds) override;
 
   // Records one call and gives its answer.
   Value Perform(const std::string& line);
@@ -69,6 +87,7 @@ class ScriptedDesktop final : public Platform {
  private:
   Object Obtain(const std::string& verb, StringView prog_id, StringView server);
 
+  size_t page_read_ = 0;
   std::map<std::string, std::deque<Value>> answers_;
   std::vector<std::pair<std::string, AutomationError>> failures_;
 };

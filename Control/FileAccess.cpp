@@ -1,0 +1,36 @@
+#include "Control/FileAccess.h"
+
+namespace kestrelon {
+namespace {
+
+constexpr int32_t kForReading = 1;
+constexpr int32_t kForWriting = 2;
+constexpr int32_t kAnsiText = 0;
+
+Object OpenTextFile(ControlContext& context, const String& path, int32_t mode) {
+  const Object files = context.platform.CreateObject(u"Scripting.FileSystemObject");
+  return files.CallChild(u"OpenTextFile", path, mode, false, kAnsiText);
+}
+
+}  // namespace
+
+Object FileSystemOf(ControlContext& context) {
+  Object& files = context.state.file_system;
+  if (!files) files = context.platform.CreateObject(u"Scripting.FileSystemObject");
+  return files;
+}
+
+String ReadTextFile(ControlContext& context, const String& path) {
+  const Object stream = OpenTextFile(context, path, kForReading);
+  const String text = stream.Call(u"ReadAll").ToText();
+  stream.Call(u"Close");
+  return text;
+}
+
+void RewriteTextFile(ControlContext& context, const String& path, const String& text) {
+  const Object stream = OpenTextFile(context, path, kForWriting);
+  stream.Call(u"Write", text);
+  stream.Call(u"Close");
+}
+
+}  // namespace kestrelon

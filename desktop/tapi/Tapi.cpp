@@ -1,0 +1,7 @@
+#include "desktop/tapi/Tapi.h"
+
+namespace kestrelon::desktop {
+
+Object CreateTapi() { throw AutomationError(kCannotCreateObject); }
+
+}  // namespace kestrelon::desktop

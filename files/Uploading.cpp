@@ -1,0 +1,9 @@
+#include "files/Uploading.h"
+
+namespace kestrelon {
+
+bool UploadFile(ControlContext& /*context*/, String& /*filePath*/, String& /*ImportDirectory*/) {
+  throw AutomationError(kNotImplemented);
+}
+
+}  // namespace kestrelon
