@@ -63,18 +63,19 @@ const MemberCase kCases[] = {
 const std::set<StringView> kSelfContained = {
     u"ServerName",     u"GetVersion",    u"CleanUpOutlook",     u"dateFormatOrder",
     u"currencyFormat", u"CreateMessage", u"CreateContactLetter"};
+// Those whose calls fail in turn in the tests of their subjects.
+const std::set<StringView> kWithTheirSubject = {
+    u"GetTemplateList", u"FindFile",   u"CreateHTMforPDF",  u"OpenFile",
+    u"UploadFile",      u"WordQuote",  u"WordQuoteHtml",    u"ExcelQuote",
+    u"MakeCall",        u"HangupCall", u"GetDialerVersion", u"GetTapiDrivers"};
 
-TEST(FailEverywhereCases, CoverEveryMemberThatIsBuilt) {
+TEST(FailEverywhereCases, CoverEveryMember) {
   std::set<StringView> covered = testing::OutlookMembers();
   covered.insert(kSelfContained.begin(), kSelfContained.end());
+  covered.insert(kWithTheirSubject.begin(), kWithTheirSubject.end());
   for (const MemberCase& example : kCases) covered.insert(example.member);
-  testing::ScriptedDesktop desktop;
-  KestrelonControl control(desktop);
   for (const Member& member : InterfaceTable()) {
-    if (covered.count(member.name) != 0) continue;
-    std::vector<Value> values(member.parameters.size(), Value());
-    const auto error = IgnoreFailures([&] { control.Invoke(member, values); });
-    EXPECT_TRUE(error && error->number() == kNotImplemented) << ToUtf8(member.name);
+    EXPECT_EQ(covered.count(member.name), 1U) << ToUtf8(member.name);
   }
 }
 

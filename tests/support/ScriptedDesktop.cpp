@@ -58,7 +58,10 @@ void ScriptedDesktop::Fail(const std::string& prefix, AutomationError error) {
 Value ScriptedDesktop::Perform(const std::string& line) {
   log.push_back(line);
   if (static_cast<int>(log.size()) >= cut_at) throw LoopCut();
-  if (static_cast<int>(log.size()) == fail_at) throw AutomationError(1234, u"Injected");
+  if (static_cast<int>(log.size()) == fail_at) {
+    failed_line = line;
+    throw AutomationError(1234, u"Injected");
+  }
   for (const auto& [prefix, error] : failures_) {
     if (line.starts_with(prefix)) throw error;
   }

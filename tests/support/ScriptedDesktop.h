@@ -34,6 +34,7 @@ class ScriptedDesktop final : public Platform {
   void StopFailing() { failures_.clear(); }
   // The call with this number (from 1) fails with error 1234 "Injected"; 0 for none.
   int fail_at = 0;
+  std::string failed_line;  // the call that did
   // Throws LoopCut at this many calls.
   int cut_at = 100'000;
 
