@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes Letter.dotx and Seminar.dotx beside this script, the same bytes each time.
+"""Writes Letter.dotx, Seminar.dotx and the two Quote….dotx beside this script, always the same.
 
 The tags stand in the XML as a word processor leaves them after some editing: cut into runs by
 revision ids, proofing marks, bookmarks and formatting, inside links, content controls and tracked
@@ -471,6 +471,54 @@ def seminar():
     }, {})
 
 
+# --- the quotes -----------------------------------------------------------------------------------
+
+def quote(name, lines):
+    """`lines` is where the lines of the quote go."""
+    sums = table("TableNormal", [6973, 2053], [
+        [paragraph("TableFigures", "Net total"), paragraph("TableFigures", revised("<net", "total>"))],
+        [paragraph("TableFigures", "VAT at 20 %"), paragraph("TableFigures", "<vat>")],
+        [paragraph("TableFigures", run("Total", "<w:b/>")),
+         paragraph("TableFigures", half_bold("<to", "tal>"))]], header=False)
+    body = "".join((
+        paragraph("Address", "<firstname>", " ", revised("<last", "name>"),
+                  more='<w:spacing w:before="360"/>'),
+        paragraph("Address", proofed("<", "companyname", ">")),
+        paragraph("Address", "<address>", more='<w:spacing w:after="320"/>'),
+        paragraph("Heading1", "Quote ", revised("<quote", "number>"), " for ", "<project>"),
+        paragraph("", "Dear ", "<firstname>", " ", bookmarked("<last", "name>", "Salutation", 1), ","),
+        paragraph("", "Thank you for your enquiry of ", half_bold("<enquiry", "date>"),
+                  ". This is what we propose, room by room; delivery and fitting are included."),
+        lines,
+        paragraph("", "", more='<w:spacing w:after="0"/>'),
+        sums,
+        paragraph("", "The quote is good until ", revised("<", "valid", "until", ">"),
+                  ". An order by e-mail, with our number, is all that we need to begin.",
+                  more='<w:spacing w:before="240"/>'),
+        paragraph("", "Kind regards,", more='<w:keepNext/><w:spacing w:after="600"/>'),
+        paragraph("Address", proofed("<", "ownername", ">")),
+        paragraph("Address", "Larkfield Interiors, <branch>")))
+    footer = root("ftr", paragraph("Footer", "Quote ", revised("<quote", "number>"), TAB, TAB,
+                                   *page_numbers(1), more=RULE_ABOVE))
+    body += section([("header", "default", "rId10"), ("footer", "default", "rId11")], False)
+    write_template(name, "Quote", 1, root("document", f"<w:body>{body}</w:body>"), {
+        "rId10": ("header", "header1.xml", first_header(), {"rId1": ("image", "media/image1.png")}),
+        "rId11": ("footer", "footer1.xml", footer),
+        "rId12": ("image", "media/image1.png", logo_png()),
+    }, {})
+
+
+def quotes():
+    """The lines in a table of the template, or in an HTML template beside it."""
+    styles = ["TableText", "TableText", "TableFigures", "TableFigures", "TableFigures"]
+    captions = ["Room", "Description", "Quantity", "Unit price", "Amount"]
+    quote("QuoteTable.dotx", table("OfferTable", [1474, 3799, 1077, 1304, 1372], [
+        [paragraph(style, caption) for style, caption in zip(styles, captions)],
+        [paragraph(style) for style in styles]]))
+    quote("QuoteHtml.dotx", paragraph("", revised("<html", "table>"), "QuoteTable.htm"))
+
+
 if __name__ == "__main__":
     letter()
     seminar()
+    quotes()
