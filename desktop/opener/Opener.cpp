@@ -13,7 +13,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <utility>
 #include <vector>
+
+#include "desktop/opener/Association.h"
 
 namespace kestrelon::desktop {
 namespace {
@@ -117,6 +120,16 @@ bool HasOpener() {
   return HasDisplay() && !FindProgram("xdg-open").empty();
 }
 
+bool HasProgramForFile(const std::string& path) {
+  if (!HasOpener()) return false;
+  return !Environment("KESTRELON_OPENER").empty() || IsTypeAssociated(TypeOfFile(path));
+}
+
+bool HasProgramForLinks(const std::string& scheme) {
+  if (!HasOpener()) return false;
+  return !Environment("KESTRELON_OPENER").empty() || IsTypeAssociated("x-scheme-handler/" + scheme);
+}
+
 OpenOutcome OpenForUser(const std::string& target) {
   if (!HasOpener()) return OpenOutcome::kNoOpener;
   const std::string chosen = Environment("KESTRELON_OPENER");
@@ -125,9 +138,12 @@ OpenOutcome OpenForUser(const std::string& target) {
   return OpenOutcome::kStarted;
 }
 
-bool RunForUser(const std::string& name, int milliseconds) {
+bool RunForUser(const std::string& name, const std::vector<std::string>& arguments,
+                int milliseconds) {
   const std::string program = FindProgram(name);
-  const pid_t process = program.empty() ? 0 : StartDetached({program});
+  std::vector<std::string> words = {program};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  const pid_t process = program.empty() ? 0 : StartDetached(std::move(words));
   if (process == 0) return false;
   WaitForEnd(process, milliseconds);
   return true;

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace kestrelon::desktop {
 
@@ -22,9 +23,17 @@ bool HasOpener();
 // `target` is an absolute path or a link, UTF-8.
 OpenOutcome OpenForUser(const std::string& target);
 
-// Runs a program of the user's, a path or a name looked up in PATH, without arguments and on its
+// Whether the opener has a program for the type of this file (or folder), by its name and, where
+// that says nothing, its content; or for links with this scheme ("tel"). A chosen $KESTRELON_OPENER
+// is for everything; otherwise the desktop's own lists tell. Starts nothing and waits for nothing.
+// False without an opener.
+bool HasProgramForFile(const std::string& path);
+bool HasProgramForLinks(const std::string& scheme);
+
+// Runs a program of the user's, a path or a name looked up in PATH, with these arguments and on its
 // own as above, and waits for its end, but no longer than `milliseconds`. False when it cannot be
 // started.
-bool RunForUser(const std::string& name, int milliseconds);
+bool RunForUser(const std::string& name, const std::vector<std::string>& arguments,
+                int milliseconds);
 
 }  // namespace kestrelon::desktop

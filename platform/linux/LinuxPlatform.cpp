@@ -172,7 +172,7 @@ void LinuxPlatform::SendKeyEvent(uint8_t key_code, uint8_t /*scan_code*/, uint32
   if (key_code != kPrintScreenKey || (flags & kKeyUp) != 0) return;
   const char* program = std::getenv("KESTRELON_SCREENSHOT");
   // As a key on the keyboard, it cannot fail.
-  if (program != nullptr && *program != '\0') desktop::RunForUser(program, kScreenshotPatience);
+  if (program != nullptr && *program != '\0') desktop::RunForUser(program, {}, kScreenshotPatience);
 }
 
 std::optional<String> LinuxPlatform::CreateGuid() {

@@ -24,11 +24,13 @@ TEST(Opener, StartsTheProgramDetachedWithOneArgument) {
 
 TEST(Opener, RunsAProgramAndWaitsForItsEnd) {
   const RecordingOpener opener("$#");
-  EXPECT_TRUE(RunForUser(opener.program(), 10'000));
+  EXPECT_TRUE(RunForUser(opener.program(), {}, 10'000));
   EXPECT_EQ(opener.Next(), "0");
+  EXPECT_TRUE(RunForUser(opener.program(), {"a; b", ""}, 10'000));
+  EXPECT_EQ(opener.Next(), "2");
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child was left behind";
-  EXPECT_FALSE(RunForUser("/nonexistent/program", 10'000));
-  EXPECT_FALSE(RunForUser("", 10'000));
+  EXPECT_FALSE(RunForUser("/nonexistent/program", {}, 10'000));
+  EXPECT_FALSE(RunForUser("", {}, 10'000));
   // One that goes on is left alone.
   const PrivateFolder folder("kestrelon-opener-test-");
   const std::string script = folder.path() / "stays";
@@ -36,7 +38,7 @@ TEST(Opener, RunsAProgramAndWaitsForItsEnd) {
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   WriteFileAtomically(script, "#!/bin/sh\nread line < " + pipe + "\n");
   std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-  ASSERT_TRUE(RunForUser(script, 0));
+  ASSERT_TRUE(RunForUser(script, {}, 0));
   // It waits for its line still: opening its pipe to write finds a reader.
   const int end = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
   EXPECT_EQ(write(end, "\n", 1), 1);
