@@ -41,6 +41,10 @@ class LinuxPlatform final : public Platform {
   uint32_t GetTempFileNameAnsi(const char* folder, const char* prefix, uint32_t unique,
                                char* buffer) override;
   SystemHandle GetDesktopWindow() override { return 1; }
+  // Always opens, in the program that the user's desktop has for it (desktop/opener); a link goes
+  // there as it is. 2 for a missing file, 3 for a missing folder, 5 where it may not be read, 27
+  // when the program cannot be started, 31 when there is none. What is not absolute is looked for
+  // in the current folder.
   int32_t ShellExecute(SystemHandle window, const String& operation, const String& file,
                        const String& parameters, const String& directory, int32_t show) override;
   SystemHandle OpenInternet(const String& agent, uint32_t access_type) override;

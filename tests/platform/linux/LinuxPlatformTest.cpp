@@ -16,6 +16,10 @@ class SystemServices : public ::testing::Test {
  protected:
   LinuxPlatform platform{
       [](const String&, int32_t, const std::optional<String>&) { return int32_t{1}; }};
+  const desktop::ConverterWorld files;
+  int32_t Open(const std::string& file) {
+    return platform.ShellExecute(1, u"Open", FromUtf8(file), u"", u"C:\\", 1);
+  }
 };
 
 TEST_F(SystemServices, VersionIsThatOfTheKernel) {
@@ -62,6 +66,50 @@ TEST_F(SystemServices, OnlyPrintScreenGoingDownTakesAPicture) {
     const ChangedEnvironment other("KESTRELON_SCREENSHOT", name);
     EXPECT_NO_THROW(platform.SendKeyEvent(44, 1, 0, 0)) << name;
   }
+}
+
+TEST_F(SystemServices, ShellOpensOrSaysWhyNot) {
+  const std::string file = files.Write("a letter.doc", "x");
+  const std::string link = "https://a/b?c=d\\e#f g";
+  const desktop::RecordingOpener opener;
+  for (const auto& [name, opened] : {std::pair{file, file},
+                                     {std::regex_replace(file, std::regex("/"), "\\"), file},
+                                     {std::filesystem::relative(file), file},
+                                     {link, link}}) {
+    EXPECT_GT(Open(name), 32) << name;
+    EXPECT_EQ(std::filesystem::path(opener.Next()).lexically_normal(), opened);
+  }
+  EXPECT_EQ(Open(file + "x"), 2);
+  EXPECT_EQ(Open(std::string("tel:1\0002", 7)), 2);
+  EXPECT_EQ(Open(file + "/x"), 3);
+  for (const auto& [program, code] : {std::pair{"/nonexistent/viewer", 27}, {"", 31}}) {
+    const ChangedEnvironment other("KESTRELON_OPENER", program);
+    const ChangedEnvironment path("PATH", "/nonexistent");
+    EXPECT_EQ(Open(file), code);
+  }
+  if (geteuid() == 0) return;  // who may read everything
+  std::filesystem::permissions(file, std::filesystem::perms::none);
+  EXPECT_EQ(Open(file), 5);
+}
+
+// The desktop's lists are found once in a process, so all that asks them is here.
+TEST_F(SystemServices, ShellAsksTheDesktopsOwnOpenerOnlyForTypesWithAProgram) {
+  const desktop::RecordingOpener opener;
+  const std::string here = files.Write("a.words", "plain words\n").parent_path();
+  std::filesystem::copy(opener.program(), files / "xdg-open");
+  std::filesystem::create_directory(files / "applications");
+  files.Write("applications/v.desktop",
+              "[Desktop Entry]\nType=Application\nName=V\nExec=/bin/sh\n");
+  files.Write("applications/mimeapps.list", "[Default Applications]\ntext/plain=v.desktop\n");
+  const ChangedEnvironment none("KESTRELON_OPENER", "");
+  const ChangedEnvironment display("DISPLAY", ":7");
+  const ChangedEnvironment path("PATH", here);
+  const ChangedEnvironment config("XDG_CONFIG_HOME", here + "/none");
+  const ChangedEnvironment user("XDG_DATA_HOME", here);
+  const ChangedEnvironment system("XDG_DATA_DIRS", here + "/none");
+  EXPECT_GT(Open(here + "/a.words"), 32);
+  EXPECT_EQ(opener.Next(), here + "/a.words");
+  EXPECT_EQ(Open(files.Write("a.bits", std::string("\x01\x00\xFE", 3))), 31);
 }
 
 }  // namespace
