@@ -95,8 +95,10 @@ class Call(World):
         done = self.run_program("call", "ServerName", "value=short")
         self.assertEqual(done.returncode, 3)
         self.assertEqual(done.stderr, "error 13: Type mismatch\n")
-        done = self.run_program("call", "GetTapiDrivers")
-        self.assertEqual((done.returncode, done.stderr), (3, "error -2147467263: Not implemented\n"))
+
+    def test_lists_the_lines_of_the_example_configuration(self):
+        self.environment["KESTRELON_CONFIG"] = str(EXAMPLES / "config.json")
+        self.assertEqual(self.run_program("call", "GetTapiDrivers").stdout, "Desk phone~Headset\n")
 
     def test_shows_message_boxes_beside_the_result(self):
         done = self.run_program("call", "CreateMessage", "strMessage=@@home", "intButtons=0", "strTitle=T")
