@@ -7,6 +7,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 
 #include "desktop/storage/AtomicFile.h"
 #include "platform/Platform.h"
@@ -48,6 +49,7 @@ class LinuxPlatform final : public Platform {
   int32_t ShellExecute(SystemHandle window, const String& operation, const String& file,
                        const String& parameters, const String& directory, int32_t show) override;
   SystemHandle OpenInternet(const String& agent, uint32_t access_type) override;
+  // The whole answer is read here; one over 64 MiB is cut, and one that breaks off gives what came.
   SystemHandle OpenInternetUrl(SystemHandle connection, const String& url, uint32_t flags) override;
   bool ReadInternetFile(SystemHandle file, char* buffer, uint32_t size,
                         uint32_t& bytes_read) override;
@@ -55,8 +57,16 @@ class LinuxPlatform final : public Platform {
   void Pause(uint32_t milliseconds) override;
 
  private:
+  struct InternetFile {
+    std::string content;
+    size_t next = 0;  // position in it
+  };
+
   void MakeTempFolder();
 
+  SystemHandle last_internet_handle_ = 0;
+  std::map<SystemHandle, std::string> internet_agents_;
+  std::map<SystemHandle, InternetFile> internet_files_;
   std::optional<desktop::PrivateFolder> temp_folder_;
   MessageBoxHandler show_message_box_;
 };
