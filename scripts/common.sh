@@ -6,9 +6,10 @@ project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(g++ cmake ninja-build pkg-config libxml2-dev libdeflate-dev zlib1g-dev libgmime-3.0-dev
   libglib2.0-dev nlohmann-json3-dev libcli11-dev libreofficekit-dev libxslt1-dev libicu-dev
   libical-dev libcurl4-openssl-dev)
-# LibreOffice makes PDF, HTML and .doc; the fonts are those that letters commonly ask for.
+# LibreOffice makes PDF, HTML and .doc; the fonts are those that letters commonly ask for; Python
+# runs the demo's web server.
 run_packages=(libreoffice-writer-nogui libreoffice-calc-nogui fonts-liberation
-  fonts-crosextra-carlito fonts-crosextra-caladea)
+  fonts-crosextra-carlito fonts-crosextra-caladea python3)
 test_packages=(libgtest-dev libgmock-dev python3 poppler-utils khard khal todoman
   python3-vobject python3-icalendar python3-dateutil)
 lint_packages=(clang-format clang-tidy)
