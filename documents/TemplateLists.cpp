@@ -11,6 +11,8 @@ namespace {
 
 constexpr size_t kLinkSlots = 1001;
 constexpr StringView kAnchor = u"<A HREF";
+// More than any page lists, unless its anchors have no ends and so share their texts.
+constexpr size_t kLongestList = size_t{1} << 26;
 
 constexpr const char16_t* kNoAccess =
     u"This file may have been added from a location which you do not have access to.";
@@ -83,6 +85,7 @@ String WebTemplateList(ControlContext& context, const String& url) {
     for (size_t i = 0; i + 1 < kLinkSlots; ++i) {
       // Servers put the way up to the parent folder in brackets.
       if (links[i].empty() || links[i].front() == u'[') continue;
+      if (list.size() + links[i].size() > kLongestList) throw AutomationError(kOutOfMemory);
       if (!list.empty()) list += u'\\';
       list += links[i];
     }
