@@ -14,6 +14,9 @@ constexpr std::string_view kCompoundFile = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
 // What stands in the HTML for a linked picture, which is never loaded: a PNG of its signature
 // alone.
 constexpr std::string_view kEmptyPicture = "src=\"data:image/png;base64,iVBORw0KGgo=\"";
+// Of a document without dates; the office suite itself refuses a page with them.
+constexpr std::string_view kEmptyDates[] = {"\t<meta name=\"created\" content=\"00:00:00\"/>\n",
+                                            "\t<meta name=\"changed\" content=\"00:00:00\"/>\n"};
 constexpr size_t kTail = 66 * 1024;  // holds a ZIP's end record with the longest comment
 
 std::string_view Tail(std::string_view content) {
@@ -84,6 +87,9 @@ bool HasSignature(std::string_view content, ConversionFormat format) {
 std::string FinishHtml(std::string_view utf8) {
   std::string source(utf8);
   DropEmptyPictures(source);
+  for (const std::string_view date : kEmptyDates) {
+    if (const size_t at = source.find(date); at != std::string::npos) source.erase(at, date.size());
+  }
   if (const size_t at = source.find(kOldCharset); at != std::string::npos) {
     source.replace(at, kOldCharset.size(), kNewCharset);
   }

@@ -14,6 +14,7 @@
 
 #include "automation/Text.h"
 #include "desktop/converter/ConvertedFile.h"
+#include "desktop/converter/HtmlSource.h"
 #include "desktop/converter/Installation.h"
 #include "desktop/converter/WorkerProcess.h"
 #include "desktop/storage/AtomicFile.h"
@@ -65,6 +66,11 @@ fs::path CopyTo(const fs::path& folder, const Source& source) {
     // The name of the target may have grown by a longer extension.
     if (copy.filename().native().size() > NAME_MAX) copy.replace_filename("document.docx");
     WriteFileAtomically(copy, *source.content);
+    return copy;
+  }
+  const String extension = LowerCase(FromUtf8(source.path.extension().string()));
+  if (extension == u".htm" || extension == u".html") {
+    WriteFileAtomically(copy, PrepareHtml(ReadWholeFile(source.path)));
     return copy;
   }
   fs::copy_file(source.path, copy, error);

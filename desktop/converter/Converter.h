@@ -38,9 +38,9 @@ class Converter {
   // Reads `source`, whatever its format (from a copy: nothing appears beside it), and writes
   // `target`, which appears only when it is complete and carries the signature of the format. HTML
   // is one self-contained file in Windows-1252 (pictures as data URIs, other characters as numeric
-  // references). Throws kConversionFailed, and the errors of desktop/storage for a source that
-  // cannot be read and a target that cannot be written. One conversion at a time; other threads
-  // wait.
+  // references), and read as HtmlSource.h says. Throws kConversionFailed, and the errors of
+  // desktop/storage for a source that cannot be read and a target that cannot be written. One
+  // conversion at a time; other threads wait.
   void Convert(const std::filesystem::path& source, const std::filesystem::path& target,
                ConversionFormat format);
   // The same for a document that is no file yet: `content`, under the plain name `file_name`, which

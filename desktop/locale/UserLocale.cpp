@@ -81,4 +81,14 @@ String CurrencySymbol() {
   return Trim(symbol.empty() ? code : symbol);
 }
 
+PaperSize UserPaper() {
+  const OwnedLocale locale = UserLocale();
+  if (!locale) return {};
+  // These two are numbers, which the library returns in the place of texts.
+  const auto length = [&](nl_item item) {
+    return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(nl_langinfo_l(item, locale.get())));
+  };
+  return {length(_NL_PAPER_WIDTH), length(_NL_PAPER_HEIGHT)};
+}
+
 }  // namespace kestrelon::desktop

@@ -1,6 +1,7 @@
-// What the user's locale says about dates and money.
+// What the user's locale says about dates, money and paper.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "automation/Text.h"
@@ -14,6 +15,14 @@ std::string ShortDateOrder();
 // The currency symbol, the three-letter code where the locale has no symbol, "" where it has
 // neither or is not installed.
 String CurrencySymbol();
+
+// In millimetres.
+struct PaperSize {
+  uint32_t width = 210;
+  uint32_t height = 297;
+};
+// A4 when the user's locale is not installed.
+PaperSize UserPaper();
 
 // The order of a date format of strftime ("%d/%m/%y").
 std::string OrderOfDateFormat(const std::string& format);

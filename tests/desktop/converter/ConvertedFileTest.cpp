@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "desktop/converter/ConvertedFile.h"
+#include "desktop/converter/HtmlSource.h"
 
 namespace kestrelon::desktop {
 namespace {
@@ -44,6 +45,19 @@ TEST(ConvertedFileTest, HtmlBecomesAnsiWithReferencesForTheRest) {
   EXPECT_EQ(FinishHtml("<p>a<img src=\"data:image/png;base64,iVBORw0KGgo=\" width=\"9\"/>b"
                        "<img src=\"data:image/png;base64,iVBORw0KGgoAAA\"/></p>"),
             "<p>ab<img src=\"data:image/png;base64,iVBORw0KGgoAAA\"/></p>");
+  EXPECT_EQ(FinishHtml("<head>\n\t<meta name=\"changed\" content=\"00:00:00\"/>\n</head>"),
+            "<head>\n</head>");
+}
+
+TEST(HtmlSourceTest, PagesAreReadInTheCharacterSetThatTheyAreWrittenIn) {
+  const std::pair<std::string, std::string> kCases[] = {
+      {"\uFEFFcaf\u00e9", "caf\u00e9"},
+      {"<META Content=\"CharSet = UTF-8\">\xE9 \x80", "<META Content=\"CharSet = UTF-8\">é €"},
+      {"<meta charset='latin2'/>\xE9", "<meta charset='latin2'/>\xE9"},
+      {"a<meta\nNAME = created content=x>b<meta name=\"changed\">c<meta", "abc<meta"}};
+  for (const auto& [html, expected] : kCases) {
+    EXPECT_TRUE(PrepareHtml(html).ends_with("</style>" + expected)) << PrepareHtml(html);
+  }
 }
 
 }  // namespace
