@@ -79,8 +79,9 @@ class Platform {
   virtual std::optional<String> CreateGuid() = 0;
   // GetTempFileNameA: with `unique` 0, makes a new, empty file in `folder`, which may end with a
   // separator. Its name is the first three characters of `prefix`, a number in hexadecimal digits
-  // and ".tmp". `buffer` takes its path with the terminator, 260 bytes at most. The number; 0 on
-  // failure, as for a prefix with characters that no file name may have.
+  // and ".tmp". Any other `unique` is the number, of 16 bits, and no file is made. `buffer` takes
+  // the path with the terminator, 260 bytes at most. The number; 0 on failure, as for a prefix with
+  // characters that no file name may have.
   virtual uint32_t GetTempFileNameAnsi(const char* folder, const char* prefix, uint32_t unique,
                                        char* buffer) = 0;
 

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <sys/utsname.h>
 
+#include <cstdio>
+#include <filesystem>
 #include <regex>
 
 #include "desktop/opener/Opener.h"
@@ -50,6 +52,25 @@ TEST_F(SystemServices, ThereIsATemporaryFolderWhateverTheEnvironmentSays) {
   char buffer[255];
   const uint32_t length = platform.GetTempPathAnsi(sizeof buffer, buffer);
   EXPECT_TRUE(std::string_view(buffer, length).starts_with("/tmp/kestrelon-"));
+}
+
+TEST_F(SystemServices, TemporaryFilesAreNewPrivateAndNamedAsTheSystemNamesThem) {
+  const desktop::PrivateFolder folder("kestrelon-test-");
+  const std::string path = folder.path().string();
+  char buffer[260] = "";
+  char name[32];
+  const uint32_t number = platform.GetTempFileNameAnsi((path + "/").c_str(), "#\x80x/", 0, buffer);
+  std::snprintf(name, sizeof name, "/#\x80x%X.tmp", number);
+  EXPECT_EQ(buffer, path + name);
+  const std::filesystem::path file = ToUtf8(FromAnsi(buffer));
+  EXPECT_EQ(std::filesystem::file_size(file), 0U);
+  EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms{0600});
+  const std::string long_path = path + "/" + std::string(247 - path.size(), 'x');
+  std::filesystem::create_directory(long_path);
+  for (const auto& [where, prefix] :
+       {std::pair(long_path, "Quo"), {path, "Q/1"}, {path, "\t"}, {"", "Q"}, {"/none", "Q"}}) {
+    EXPECT_EQ(platform.GetTempFileNameAnsi(where.c_str(), prefix, 0, buffer), 0U) << prefix;
+  }
 }
 
 TEST_F(SystemServices, OnlyPrintScreenGoingDownTakesAPicture) {
