@@ -44,16 +44,18 @@ String GetVersion(ControlContext& context) {
   return version;
 }
 
+String ReadTempPath(ControlContext& context) {
+  std::string buffer(kTempPathSize, ' ');
+  const uint32_t length = context.platform.GetTempPathAnsi(kTempPathSize, buffer.data());
+  if (length > static_cast<uint32_t>(std::numeric_limits<int16_t>::max())) {
+    throw AutomationError(kOverflow);
+  }
+  return FromAnsi(buffer.substr(0, length));
+}
+
 String GetTheTempPath(ControlContext& context) {
   String path;
-  IgnoreFailures([&] {
-    std::string buffer(kTempPathSize, ' ');
-    const uint32_t length = context.platform.GetTempPathAnsi(kTempPathSize, buffer.data());
-    if (length > static_cast<uint32_t>(std::numeric_limits<int16_t>::max())) {
-      throw AutomationError(kOverflow);
-    }
-    path = FromAnsi(buffer.substr(0, length));
-  });
+  IgnoreFailures([&] { path = ReadTempPath(context); });
   return path;
 }
 

@@ -20,8 +20,11 @@ String GetVersion(ControlContext& context);
 // whose fallback is day-month-year.
 String TrimAtNull(const String& text);
 
-// The user's temporary folder with its trailing separator; "" after a run-time error. A path over
-// 255 characters comes back as that many blanks.
+// The user's temporary folder with its trailing separator; "" where the system has none. A path
+// over 255 characters comes back as that many blanks. Failures are the caller's.
+String ReadTempPath(ControlContext& context);
+
+// The same; "" after a run-time error.
 String GetTheTempPath(ControlContext& context);
 
 }  // namespace kestrelon
