@@ -1,19 +1,58 @@
 #include "documents/QuoteServices.h"
 
+#include <algorithm>
+
 namespace kestrelon {
+namespace {
 
-String TextToHtml(StringView /*text*/) { throw AutomationError(kNotImplemented); }
+constexpr char16_t kRemovalMark = u'¬';
 
-String GetFolderFromPath(StringView /*path*/) { throw AutomationError(kNotImplemented); }
-
-String GetFileNameFromPath(StringView /*path*/) { throw AutomationError(kNotImplemented); }
-
-String MakeSafeFileName(String& /*text*/) { throw AutomationError(kNotImplemented); }
-
-void DeleteFileQuietly(ControlContext& /*context*/, const String& /*path*/) {
-  throw AutomationError(kNotImplemented);
+// Position of the last separator, from 1; 0 for none.
+size_t LastSeparator(StringView path) {
+  const size_t index = path.find_last_of(u"/\\");
+  return index == StringView::npos ? 0 : index + 1;
 }
 
-String NullToString(const Value& /*value*/) { throw AutomationError(kNotImplemented); }
+}  // namespace
+
+String TextToHtml(StringView text) {
+  String html(text);
+  const auto replace = [&html](StringView find, StringView replacement) {
+    if (html.find(find) != String::npos) html = ReplaceAll(html, find, replacement);
+  };
+  // NOTE: the ";" of a character reference that reaches this as text stays.
+  replace(u"&#xD", u"<br />");
+  replace(u"&#xA", u"");
+  replace(u"\r", u"<br />");
+  replace(u"\n", u"<br />");
+  replace(u"\t", u"&nbsp;&nbsp;&nbsp;&nbsp;");
+  replace(u"  ", u"&nbsp;&nbsp;");
+  // NOTE: a single pass, which makes one break of a CR LF and two of three line feeds.
+  replace(u"<br /><br />", u"<br />");
+  return html;
+}
+
+String GetFolderFromPath(StringView path) {
+  return Left(path, static_cast<int64_t>(LastSeparator(path)) - 1);
+}
+
+String GetFileNameFromPath(StringView path) { return String(path.substr(LastSeparator(path))); }
+
+String MakeSafeFileName(String& text) {
+  std::replace(text.begin(), text.end(), u' ', u'_');
+  std::erase_if(text, [](char16_t character) {
+    return character == u'<' || character == u'>' || character == kRemovalMark ||
+           AnsiCode(character) < 32;
+  });
+  return text;
+}
+
+void DeleteFileQuietly(ControlContext& context, const String& path) {
+  IgnoreFailures([&] {
+    context.platform.CreateObject(u"Scripting.FileSystemObject").Call(u"DeleteFile", path, false);
+  });
+}
+
+String NullToString(const Value& value) { return value.IsNull() ? String() : value.ToText(); }
 
 }  // namespace kestrelon
