@@ -104,7 +104,7 @@ TextStream::TextStream(fs::path path, OpenMode mode, TextFormat format)
 }
 
 TextStream::~TextStream() {
-  if (is_open_) IgnoreFailures([&] { Save(); });
+  if (is_open_ && has_written_) IgnoreFailures([&] { Save(); });
 }
 
 const MemberTable<TextStream>& TextStream::Members() {
@@ -134,6 +134,7 @@ void TextStream::Append(StringView text) {
   if (!is_open_) throw AutomationError(kObjectVariableNotSet);
   if (mode_ == OpenMode::kReading) throw AutomationError(kBadFileMode, u"Bad file mode");
   written_ += format_ == TextFormat::kUnicode ? ToUtf16Bytes(text) : ToAnsiBytes(text);
+  has_written_ = true;
 }
 
 void TextStream::Save() {

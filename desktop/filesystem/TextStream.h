@@ -23,7 +23,9 @@ Object OpenTextStream(const std::filesystem::path& path, OpenMode mode, Creation
                       TextFormat format);
 
 // What is written reaches the file as a whole when the stream is closed or let go: until then, and
-// when writing fails, an existing file keeps its content. A closed stream is error 91.
+// when writing fails, an existing file keeps its content. So it does when the stream is let go
+// before anything was written, as by a caller whose only text was refused. A closed stream is error
+// 91.
 class TextStream final : public ServerObject<TextStream> {
  public:
   TextStream(std::filesystem::path path, OpenMode mode, TextFormat format);
@@ -52,6 +54,7 @@ class TextStream final : public ServerObject<TextStream> {
   String text_;      // of a file being read
   size_t next_ = 0;  // position in it
   std::string written_;
+  bool has_written_ = false;
 };
 
 }  // namespace kestrelon::desktop

@@ -77,6 +77,10 @@ TEST_F(FileSystemObjectTest, WritesAppendsAndCreates) {
   EXPECT_EQ(NumberOf([&] { appended.Call(u"Write", u"\u4E2D"); }), kInvalidProcedureCall);
   appended.Release();
   EXPECT_EQ(Read("a.txt"), "\xA3\r\nb") << "a stream that is let go has written";
+  Object refused = files_.CallChild(u"OpenTextFile", Path(u"a.txt"), kWriting);
+  EXPECT_EQ(NumberOf([&] { refused.Call(u"Write", u"\u4E2D"); }), kInvalidProcedureCall);
+  refused.Release();
+  EXPECT_EQ(Read("a.txt"), "\xA3\r\nb") << "nothing takes its place";
 
   for (int i = 0; i < 2; ++i) {
     const Object wide =
