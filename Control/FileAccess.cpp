@@ -1,5 +1,7 @@
 #include "Control/FileAccess.h"
 
+#include <utility>
+
 namespace kestrelon {
 namespace {
 
@@ -27,9 +29,9 @@ String ReadTextFile(ControlContext& context, const String& path) {
   return text;
 }
 
-void RewriteTextFile(ControlContext& context, const String& path, const String& text) {
+void RewriteTextFile(ControlContext& context, const String& path, String text) {
   const Object stream = OpenTextFile(context, path, kForWriting);
-  stream.Call(u"Write", text);
+  stream.Call(u"Write", std::move(text));
   stream.Call(u"Close");
 }
 

@@ -13,6 +13,6 @@ String ReadTextFile(ControlContext& context, const String& path);
 
 // Replaces what the file holds by `text`. Failures are the caller's, error 53 for a missing file
 // among them.
-void RewriteTextFile(ControlContext& context, const String& path, const String& text);
+void RewriteTextFile(ControlContext& context, const String& path, String text);
 
 }  // namespace kestrelon

@@ -44,10 +44,12 @@ void AppendUtf16(String& out, char32_t code) {
   }
 }
 
-// How many units from the first on are ASCII.
-size_t AsciiRun(StringView text) {
+// Appends the units from the first on that are ASCII; how many they are.
+size_t AppendAsciiRun(std::string& out, StringView text) {
   size_t run = 0;
   while (run < text.size() && text[run] < 0x80) ++run;
+  out.resize(out.size() + run);
+  std::copy_n(text.begin(), run, out.end() - static_cast<std::ptrdiff_t>(run));
   return run;
 }
 
@@ -116,10 +118,7 @@ std::string ToUtf8(StringView text) {
   std::string out;
   out.reserve(text.size() + text.size() / 4);
   for (size_t at = 0; at < text.size(); ++at) {
-    const size_t run = AsciiRun(text.substr(at));
-    out.resize(out.size() + run);
-    std::copy_n(text.begin() + at, run, out.end() - static_cast<std::ptrdiff_t>(run));
-    at += run;
+    at += AppendAsciiRun(out, text.substr(at));
     if (at == text.size()) break;
     char32_t code = text[at];
     if (IsHighSurrogate(text[at]) && at + 1 < text.size() && IsLowSurrogate(text[at + 1])) {
@@ -152,6 +151,8 @@ std::string ToAnsi(StringView text) {
   std::string out;
   out.reserve(text.size());
   for (size_t at = 0; at < text.size(); ++at) {
+    at += AppendAsciiRun(out, text.substr(at));
+    if (at == text.size()) break;
     if (IsHighSurrogate(text[at]) && at + 1 < text.size() && IsLowSurrogate(text[at + 1])) ++at;
     out += static_cast<char>(AnsiCode(text[at]));
   }

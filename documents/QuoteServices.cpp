@@ -13,12 +13,18 @@ size_t LastSeparator(StringView path) {
   return index == StringView::npos ? 0 : index + 1;
 }
 
+// Whether TextToHtml has anything to replace; most values hold nothing of the kind.
+bool NeedsHtml(StringView text) {
+  const auto is_special = [](char16_t c) { return c == u'&' || c == u'<' || c < u' '; };
+  return std::any_of(text.begin(), text.end(), is_special) || text.find(u"  ") != StringView::npos;
+}
+
 }  // namespace
 
-String TextToHtml(StringView text) {
-  String html(text);
-  const auto replace = [&html](StringView find, StringView replacement) {
-    if (html.find(find) != String::npos) html = ReplaceAll(html, find, replacement);
+String TextToHtml(String text) {
+  if (!NeedsHtml(text)) return text;
+  const auto replace = [&text](StringView find, StringView replacement) {
+    text = ReplaceAll(text, find, replacement);
   };
   // NOTE: the ";" of a character reference that reaches this as text stays.
   replace(u"&#xD", u"<br />");
@@ -29,7 +35,7 @@ String TextToHtml(StringView text) {
   replace(u"  ", u"&nbsp;&nbsp;");
   // NOTE: a single pass, which makes one break of a CR LF and two of three line feeds.
   replace(u"<br /><br />", u"<br />");
-  return html;
+  return text;
 }
 
 String GetFolderFromPath(StringView path) {

@@ -7,7 +7,7 @@ namespace kestrelon {
 
 // `text` as it stands between HTML tags: line breaks, tabs and pairs of blanks become what shows
 // them. A single pass, so a CR LF is one break and three line feeds are two.
-String TextToHtml(StringView text);
+String TextToHtml(String text);
 
 // What stands before the last "/" or "\\", and behind it. A path without either has no folder,
 // which is error 5, and is all name.

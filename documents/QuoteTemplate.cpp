@@ -191,6 +191,8 @@ void AppendLines(const Sections& sections, const Object& xmlDoc, const Object& l
   const std::vector<LineAttributes> attributes(fields.begin(), fields.end());
   LineWriter writer(sections, fields);
   std::vector<String> values(fields.size());
+  // About what comes, so that the text is moved once at most.
+  out.reserve(out.size() + sections.row_pattern.size() * static_cast<size_t>(count));
   for (int32_t i = 0; i < count; ++i) {
     // Asked for once and not for each value: it is the same line for all fields.
     Object line;
@@ -198,7 +200,7 @@ void AppendLines(const Sections& sections, const Object& xmlDoc, const Object& l
     for (size_t f = 0; f < fields.size(); ++f) {
       String value;
       IgnoreFailures([&] { value = ReadLineValue(line, attributes[f]); });
-      values[f] = TextToHtml(value);
+      values[f] = TextToHtml(std::move(value));
     }
     writer.Append(values, out);
   }
@@ -215,7 +217,8 @@ void ExpandQuoteTemplate(ControlContext& context, const String& path, const Obje
   if (count == 0) throw AutomationError(kSubscriptOutOfRange);
   String output = sections.head;
   AppendLines(sections, xmlDoc, lines, count, output);
-  RewriteTextFile(context, path, output.append(sections.tail));
+  output.append(sections.tail);
+  RewriteTextFile(context, path, std::move(output));
 }
 
 String GetQuoteRowValue(int16_t line, const Object& xmlDoc, const String& field_name,

@@ -40,7 +40,7 @@ String FromUtf16Bytes(std::string_view bytes) {
 // A character that would turn into "?" is refused: what is written must be there to be read.
 std::string ToAnsiBytes(StringView text) {
   for (const char16_t unit : text) {
-    if (unit != u'?' && AnsiCode(unit) == '?') {
+    if (unit >= 0x80 && AnsiCode(unit) == '?') {
       throw AutomationError(kInvalidProcedureCall,
                             u"The character \"" + String(1, unit) +
                                 u"\" cannot be written to an ANSI text file; open the file as a "
@@ -133,7 +133,8 @@ void TextStream::RequireMore() const {
 void TextStream::Append(StringView text) {
   if (!is_open_) throw AutomationError(kObjectVariableNotSet);
   if (mode_ == OpenMode::kReading) throw AutomationError(kBadFileMode, u"Bad file mode");
-  written_ += format_ == TextFormat::kUnicode ? ToUtf16Bytes(text) : ToAnsiBytes(text);
+  std::string bytes = format_ == TextFormat::kUnicode ? ToUtf16Bytes(text) : ToAnsiBytes(text);
+  written_ = written_.empty() ? std::move(bytes) : std::move(written_) + bytes;
   has_written_ = true;
 }
 
@@ -173,7 +174,13 @@ Value TextStream::ReadLine(const MethodArguments&) {
 }
 
 Value TextStream::Write(const MethodArguments& arguments) {
-  Append(arguments.Require(0).ToText());
+  // A whole file may come at once: not copied first.
+  const Value& text = arguments.Require(0);
+  if (text.IsString()) {
+    Append(text.AsString());
+  } else {
+    Append(text.ToText());
+  }
   return {};
 }
 
