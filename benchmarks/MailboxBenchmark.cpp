@@ -6,8 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -17,6 +15,7 @@
 
 #include "Control/KestrelonControl.h"
 #include "benchmarks/MailboxFloor.h"
+#include "benchmarks/Timing.h"
 #include "desktop/storage/AtomicFile.h"
 #include "platform/linux/LinuxPlatform.h"
 
@@ -37,18 +36,6 @@ struct Measures {
   double listing = 0;
   double memory = 0;
 };
-
-double Seconds(const std::function<void()>& action) {
-  const auto start = std::chrono::steady_clock::now();
-  action();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2),
-                   values.end());
-  return values[values.size() / 2];
-}
 
 double MedianSeconds(int rounds, const std::function<void()>& action) {
   std::vector<double> times;
@@ -186,23 +173,22 @@ Measures MeasureApart(int contacts) {
   return measures;
 }
 
-void Ratio(const char* what, double ratio, double wanted) {
-  std::printf("%-64s %7.2f  (wanted: at most %g)\n", what, ratio, wanted);
-}
-
 int Main() {
   const Measures small = MeasureApart(10'000);
   const Measures middle = MeasureApart(50'000);
   const Measures large = MeasureApart(100'000);
-  Ratio("first export of 50,000 / reading the files", middle.first_export / middle.read_floor, 2.5);
-  Ratio("first export of 100,000 / of 50,000", large.first_export / middle.first_export, 2.2);
-  Ratio("further export among 100,000 / among 10,000", large.next_export / small.next_export, 1.3);
-  Ratio("further export among 10,000 / writing a file", small.next_export / small.write_floor, 1.5);
-  Ratio("further export among 100,000 / writing a file", large.next_export / large.write_floor,
-        1.5);
-  Ratio("listing 50,000 / reading the files", middle.listing / middle.read_floor, 4);
-  Ratio("listing 100,000 / 50,000", large.listing / middle.listing, 2.3);
-  Ratio("peak memory at 100,000 in MiB", large.memory, 400);
+  PrintRatio("first export of 50,000 / reading the files", middle.first_export / middle.read_floor,
+             2.5);
+  PrintRatio("first export of 100,000 / of 50,000", large.first_export / middle.first_export, 2.2);
+  PrintRatio("further export among 100,000 / among 10,000", large.next_export / small.next_export,
+             1.3);
+  PrintRatio("further export among 10,000 / writing a file", small.next_export / small.write_floor,
+             1.5);
+  PrintRatio("further export among 100,000 / writing a file", large.next_export / large.write_floor,
+             1.5);
+  PrintRatio("listing 50,000 / reading the files", middle.listing / middle.read_floor, 4);
+  PrintRatio("listing 100,000 / 50,000", large.listing / middle.listing, 2.3);
+  PrintRatio("peak memory at 100,000 in MiB", large.memory, 400);
   return 0;
 }
 
