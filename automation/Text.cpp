@@ -47,9 +47,21 @@ void AppendUtf16(String& out, char32_t code) {
 // Appends the units from the first on that are ASCII; how many they are.
 size_t AppendAsciiRun(std::string& out, StringView text) {
   size_t run = 0;
+  // Block by block, which compilers make vector code of.
+  std::array<char, 64> block;
+  for (; run + block.size() <= text.size(); run += block.size()) {
+    unsigned all = 0;
+    for (size_t i = 0; i < block.size(); ++i) {
+      all |= text[run + i];
+      block[i] = static_cast<char>(text[run + i]);
+    }
+    if (all >= 0x80) break;
+    out.append(block.data(), block.size());
+  }
+  const size_t from = run;
   while (run < text.size() && text[run] < 0x80) ++run;
-  out.resize(out.size() + run);
-  std::copy_n(text.begin(), run, out.end() - static_cast<std::ptrdiff_t>(run));
+  out.resize(out.size() + run - from);
+  std::copy(text.begin() + from, text.begin() + run, out.end() - (run - from));
   return run;
 }
 

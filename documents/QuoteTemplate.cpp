@@ -191,8 +191,8 @@ void AppendLines(const Sections& sections, const Object& xmlDoc, const Object& l
   const std::vector<LineAttributes> attributes(fields.begin(), fields.end());
   LineWriter writer(sections, fields);
   std::vector<String> values(fields.size());
-  // About what comes, so that the text is moved once at most.
-  out.reserve(out.size() + sections.row_pattern.size() * static_cast<size_t>(count));
+  // Somewhat more than what comes as a rule, so that a long text need not be moved to grow.
+  out.reserve(out.size() + sections.row_pattern.size() * static_cast<size_t>(count) / 4 * 5);
   for (int32_t i = 0; i < count; ++i) {
     // Asked for once and not for each value: it is the same line for all fields.
     Object line;

@@ -37,17 +37,22 @@ String FromUtf16Bytes(std::string_view bytes) {
   return text;
 }
 
-// A character that would turn into "?" is refused: what is written must be there to be read.
-std::string ToAnsiBytes(StringView text) {
+void RequireAnsi(StringView text) {
   for (const char16_t unit : text) {
-    if (unit >= 0x80 && AnsiCode(unit) == '?') {
+    if (unit != u'?' && AnsiCode(unit) == '?') {
       throw AutomationError(kInvalidProcedureCall,
                             u"The character \"" + String(1, unit) +
                                 u"\" cannot be written to an ANSI text file; open the file as a "
                                 u"Unicode one");
     }
   }
-  return ToAnsi(text);
+}
+
+// A character that would turn into "?" is refused: what is written must be there to be read.
+std::string ToAnsiBytes(StringView text) {
+  std::string bytes = ToAnsi(text);
+  if (bytes.find('?') != std::string::npos) RequireAnsi(text);
+  return bytes;
 }
 
 // The file is there from the moment it is opened, so that a wrong path shows at once.

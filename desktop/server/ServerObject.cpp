@@ -4,6 +4,7 @@ namespace kestrelon::desktop {
 
 MethodArguments PlaceArguments(const Arguments& arguments, const ParameterNames& names) {
   if (arguments.positional.size() > names.size()) throw AutomationError(kWrongNumberOfArguments);
+  if (arguments.named.empty()) return MethodArguments(std::span(arguments.positional));
   std::vector<Value> values = arguments.positional;
   for (const NamedArgument& argument : arguments.named) {
     size_t index = 0;

@@ -15,6 +15,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -27,7 +28,13 @@ namespace kestrelon::desktop {
 // Omitted.
 class MethodArguments {
  public:
-  explicit MethodArguments(std::vector<Value> values) : values_(std::move(values)) {}
+  explicit MethodArguments(std::vector<Value> values)
+      : own_values_(std::move(values)), values_(own_values_) {}
+  // Of values that stay with the caller for the time of the call; a text may be a whole file.
+  explicit MethodArguments(std::span<const Value> values) : values_(values) {}
+  MethodArguments(const MethodArguments&) = delete;
+  MethodArguments& operator=(const MethodArguments&) = delete;
+
   // Omitted past the end.
   const Value& operator[](size_t index) const {
     static const Value kOmitted{Value::Omitted{}};
@@ -42,13 +49,14 @@ class MethodArguments {
   size_t size() const { return values_.size(); }
 
  private:
-  std::vector<Value> values_;
+  std::vector<Value> own_values_;
+  std::span<const Value> values_;
 };
 
 using ParameterNames = std::vector<StringView>;
 
 // Positional and named arguments in the order of `names`. Error 448 for a name that is not there,
-// 450 for too many arguments.
+// 450 for too many arguments. `arguments` stay with the caller.
 MethodArguments PlaceArguments(const Arguments& arguments, const ParameterNames& names);
 // The name in the form the tables are keyed by. `buffer` keeps the text.
 StringView FoldMemberName(StringView name, String& buffer);
