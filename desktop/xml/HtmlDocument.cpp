@@ -17,25 +17,33 @@ struct FreeContext {
 
 class HtmlPage final : public ServerObject<HtmlPage> {
  public:
-  explicit HtmlPage(HtmlTree tree) : tree_(std::move(tree)) {}
+  explicit HtmlPage(HtmlTreePointer tree) : tree_(std::move(tree)) {}
   static const MemberTable<HtmlPage>& Members() {
     static const MemberTable<HtmlPage> table =
         MemberTable<HtmlPage>(u"HTMLDocument")
             .Property(u"documentElement", &HtmlPage::GetDocumentElement)
-            .Method(u"getElementById", &HtmlPage::GetElementById, {u"v"});
+            .Method(u"getElementById", &HtmlPage::GetElementById, {u"v"})
+            .Method(u"getElementsByTagName", &HtmlPage::GetElementsByTagName, {u"v"});
     return table;
   }
 
  private:
-  Value GetDocumentElement() { return Wrap(xmlDocGetRootElement(tree_.get())); }
+  Value GetDocumentElement() { return Wrap(Root()); }
 
   // Nothing when no element has the id; of several, the first in the page.
   Value GetElementById(const MethodArguments& arguments) {
-    if (elements_.empty()) IndexElements(xmlDocGetRootElement(tree_.get()));
+    if (elements_.empty()) IndexElements(Root());
     const String id = arguments.Require(0).ToText();
     const auto found = id.empty() ? elements_.end() : elements_.find(id);
     return found == elements_.end() ? Object() : Wrap(found->second);
   }
+
+  Value GetElementsByTagName(const MethodArguments& arguments) {
+    const auto document = reinterpret_cast<xmlNodePtr>(tree_->document());
+    return ElementsByTagName(tree_, document, arguments.Require(0));
+  }
+
+  xmlNodePtr Root() const { return xmlDocGetRootElement(tree_->document()); }
 
   Object Wrap(xmlNodePtr node) { return Object(std::make_shared<HtmlElement>(tree_, node)); }
 
@@ -48,7 +56,7 @@ class HtmlPage final : public ServerObject<HtmlPage> {
     }
   }
 
-  HtmlTree tree_;
+  HtmlTreePointer tree_;
   std::unordered_map<String, xmlNodePtr> elements_;  // by id, filled on first use
 };
 
@@ -74,21 +82,19 @@ Object ParseHtmlDocument(std::string_view bytes) {
   }
   const std::unique_ptr<xmlParserCtxt, FreeContext> context(htmlNewParserCtxt());
   if (!context) throw AutomationError(kOutOfMemory);
-  const HtmlTree tree(
-      htmlCtxtReadMemory(
-          context.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr,
-          GuessEncoding(bytes),
-          HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET),
-      xmlFreeDoc);
+  const auto tree = std::make_shared<HtmlTree>(htmlCtxtReadMemory(
+      context.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, GuessEncoding(bytes),
+      HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET));
   const bool was_stopped = context->disableSAX != 0;
   if (was_stopped) {
     throw AutomationError(kInvalidProcedureCall, u"The page's elements nest deeper than 256");
   }
-  if (!tree) throw AutomationError(kOutOfMemory);
-  if (xmlDocGetRootElement(tree.get()) == nullptr) {
+  const xmlDocPtr document = tree->document();
+  if (document == nullptr) throw AutomationError(kOutOfMemory);
+  if (xmlDocGetRootElement(document) == nullptr) {
     const xmlNodePtr root =
-        xmlNewDocNode(tree.get(), nullptr, reinterpret_cast<const xmlChar*>("html"), nullptr);
-    xmlDocSetRootElement(tree.get(), root);
+        xmlNewDocNode(document, nullptr, reinterpret_cast<const xmlChar*>("html"), nullptr);
+    xmlDocSetRootElement(document, root);
   }
   return Object(std::make_shared<HtmlPage>(tree));
 }

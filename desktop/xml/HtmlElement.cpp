@@ -3,8 +3,11 @@
 #include <libxml/HTMLtree.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <memory>
 #include <string>
 
+#include "desktop/xml/InnerText.h"
 #include "desktop/xml/LibxmlText.h"
 #include "desktop/xml/NodeMarkup.h"
 
@@ -14,10 +17,6 @@ namespace {
 struct FreeBuffer {
   void operator()(xmlBufferPtr buffer) const { xmlBufferFree(buffer); }
 };
-
-bool IsTag(const xmlNode& node, std::string_view name) {
-  return node.type == XML_ELEMENT_NODE && View(node.name) == name;
-}
 
 String AttributeOr(const xmlNode& element, std::string_view name, StringView absent) {
   const xmlAttr* attribute = FindHtmlAttribute(element, name);
@@ -56,7 +55,7 @@ String OptionValue(const xmlNode& option) {
 
 void CollectOptions(const xmlNode& parent, std::vector<xmlNodePtr>& options) {
   for (xmlNodePtr child = parent.children; child != nullptr; child = child->next) {
-    if (IsTag(*child, "option")) options.push_back(child);
+    if (IsHtmlElement(*child, "option")) options.push_back(child);
     if (child->type == XML_ELEMENT_NODE) CollectOptions(*child, options);
   }
 }
@@ -100,9 +99,16 @@ String TextareaValue(const xmlNode& textarea) {
   return text.starts_with(u"\r\n") ? text.substr(2) : text;
 }
 
-void SetTextareaValue(xmlNode& textarea, const std::string& text) {
-  xmlNodeSetContent(&textarea, nullptr);
+void SetTextareaValue(HtmlTree& tree, xmlNode& textarea, const std::string& text) {
+  tree.Empty(&textarea);
   xmlNodeAddContent(&textarea, Chars("\n" + text));
+}
+
+// How many columns or rows a cell takes.
+int32_t SpanOf(const xmlNode& cell, std::string_view attribute, int32_t most) {
+  if (!IsTableCell(cell)) throw AutomationError(kMemberNotFound);
+  const std::string text = ToUtf8(AttributeOr(cell, attribute, u"1"));
+  return static_cast<int32_t>(std::clamp<long>(std::strtol(text.c_str(), nullptr, 10), 1, most));
 }
 
 String InputValue(const xmlNode& input) {
@@ -131,7 +137,12 @@ const MemberTable<HtmlElement>& HtmlElement::Members() {
           .Property(u"innerText", &HtmlElement::GetInnerText)
           .Property(u"outerHTML", &HtmlElement::GetOuterHtml)
           .Property(u"value", &HtmlElement::GetValue, &HtmlElement::PutValue)
-          .Method(u"getAttribute", &HtmlElement::GetAttribute, {u"strAttributeName"});
+          .Property(u"rows", &HtmlElement::GetRows)
+          .Property(u"cells", &HtmlElement::GetCells)
+          .Property(u"colSpan", &HtmlElement::GetColSpan)
+          .Property(u"rowSpan", &HtmlElement::GetRowSpan)
+          .Method(u"getAttribute", &HtmlElement::GetAttribute, {u"strAttributeName"})
+          .Method(u"getElementsByTagName", &HtmlElement::GetElementsByTagName, {u"v"});
   return table;
 }
 
@@ -139,14 +150,14 @@ Value HtmlElement::GetId() { return AttributeOr(*node_, "id", u""); }
 
 Value HtmlElement::GetTagName() { return UpperCase(Text(node_->name)); }
 
-Value HtmlElement::GetInnerText() { return TextInside(*node_); }
+Value HtmlElement::GetInnerText() { return InnerText(*node_); }
 
 Value HtmlElement::GetOuterHtml() {
   const std::unique_ptr<xmlBuffer, FreeBuffer> buffer(xmlBufferCreate());
   const std::unique_ptr<xmlOutputBuffer, decltype(&xmlOutputBufferClose)> output(
       xmlOutputBufferCreateBuffer(buffer.get(), nullptr), xmlOutputBufferClose);
   if (!output) throw AutomationError(kOutOfMemory);
-  htmlNodeDumpFormatOutput(output.get(), tree_.get(), node_, "UTF-8", 0);
+  htmlNodeDumpFormatOutput(output.get(), tree_->document(), node_, "UTF-8", 0);
   xmlOutputBufferFlush(output.get());
   return Text(xmlBufferContent(buffer.get()));
 }
@@ -158,21 +169,71 @@ Value HtmlElement::GetAttribute(const MethodArguments& arguments) {
   return HtmlAttributeText(*attribute);
 }
 
+Value HtmlElement::GetElementsByTagName(const MethodArguments& arguments) {
+  return ElementsByTagName(tree_, node_, arguments.Require(0));
+}
+
+Value HtmlElement::GetRows() {
+  const bool has_rows = IsHtmlElement(*node_, "table") || IsHtmlElement(*node_, "thead") ||
+                        IsHtmlElement(*node_, "tbody") || IsHtmlElement(*node_, "tfoot");
+  if (!has_rows) throw AutomationError(kMemberNotFound);
+  return Object(std::make_shared<HtmlCollection>(tree_, tree_->RowsOf(node_)));
+}
+
+Value HtmlElement::GetCells() {
+  if (!IsHtmlElement(*node_, "tr")) throw AutomationError(kMemberNotFound);
+  return Object(std::make_shared<HtmlCollection>(tree_, tree_->CellsOf(node_)));
+}
+
+Value HtmlElement::GetColSpan() { return SpanOf(*node_, "colspan", 1000); }
+
+Value HtmlElement::GetRowSpan() { return SpanOf(*node_, "rowspan", 65534); }
+
 Value HtmlElement::GetValue() {
-  if (IsTag(*node_, "input")) return InputValue(*node_);
-  if (IsTag(*node_, "select")) return SelectValue(*node_);
-  if (IsTag(*node_, "textarea")) return TextareaValue(*node_);
-  if (IsTag(*node_, "option")) return OptionValue(*node_);
-  if (IsTag(*node_, "button")) return AttributeOr(*node_, "value", u"");
+  if (IsHtmlElement(*node_, "input")) return InputValue(*node_);
+  if (IsHtmlElement(*node_, "select")) return SelectValue(*node_);
+  if (IsHtmlElement(*node_, "textarea")) return TextareaValue(*node_);
+  if (IsHtmlElement(*node_, "option")) return OptionValue(*node_);
+  if (IsHtmlElement(*node_, "button")) return AttributeOr(*node_, "value", u"");
   throw AutomationError(kMemberNotFound);
 }
 
 void HtmlElement::PutValue(const Value& value) {
-  if (IsTag(*node_, "select")) return ChooseOption(*node_, value.ToText());
+  if (IsHtmlElement(*node_, "select")) return ChooseOption(*node_, value.ToText());
   const std::string text = CheckedContent(value);
-  if (IsTag(*node_, "textarea")) return SetTextareaValue(*node_, text);
+  if (IsHtmlElement(*node_, "textarea")) return SetTextareaValue(*tree_, *node_, text);
   GetValue();  // error 438 where there is none
   SetAttribute(*node_, "value", text);
+}
+
+const MemberTable<HtmlCollection>& HtmlCollection::Members() {
+  static const MemberTable<HtmlCollection> table =
+      MemberTable<HtmlCollection>(u"HTMLElementCollection")
+          .Property(u"length", &HtmlCollection::GetLength)
+          .Method(u"item", &HtmlCollection::Item, {u"index"})
+          .Method(u"", &HtmlCollection::Item, {u"index"});
+  return table;
+}
+
+std::unique_ptr<Enumerator> HtmlCollection::Enumerate() {
+  std::vector<Value> elements;
+  for (size_t i = 0; i < elements_->size(); ++i) elements.emplace_back(At(i));
+  return std::make_unique<VectorEnumerator>(std::move(elements));
+}
+
+Value HtmlCollection::Item(const MethodArguments& arguments) {
+  const int32_t index = arguments.Require(0).ToLong();
+  return index < 0 ? Object() : At(static_cast<size_t>(index));
+}
+
+Object HtmlCollection::At(size_t index) const {
+  if (index >= elements_->size()) return nullptr;
+  return Object(std::make_shared<HtmlElement>(tree_, (*elements_)[index]));
+}
+
+Object ElementsByTagName(const HtmlTreePointer& tree, xmlNodePtr top, const Value& name) {
+  const std::string tag = ToUtf8(LowerCase(name.ToText()));
+  return Object(std::make_shared<HtmlCollection>(tree, tree->ByTagName(top, tag)));
 }
 
 }  // namespace kestrelon::desktop

@@ -25,8 +25,9 @@ Object ParseXmlDocument(std::string_view bytes);
 
 // A page's document; markup of any quality. The encoding is the declared one, else UTF-8 where the
 // bytes are valid UTF-8, else Windows-1252. `documentElement.outerHTML` gives the markup back,
-// `getElementById` an element by its exact id, or Nothing, with the `Value` of a form field. An
-// empty page has an empty `html` element, as in a browser.
+// `getElementById` an element by its exact id, or Nothing, with the `Value` of a form field;
+// `getElementsByTagName` gives the elements of a name, with the `rows` of a table, the `cells` of a
+// row and the `innerText` of each. An empty page has an empty `html` element, as in a browser.
 // Error 5 when elements nest deeper than 256.
 Object ParseHtmlDocument(std::string_view bytes);
 
