@@ -33,6 +33,13 @@ constexpr Setting kSettings[] = {
     {"Office.Calc/Content/Update", "Link", "1"},
 };
 
+// Calc's formula bar, under the number of its window. It is not needed, and the packages without a
+// user interface lack the file that describes it: no workbook could be loaded.
+constexpr char kHiddenFormulaBar[] =
+    "<item oor:path=\"/org.openoffice.Office.Views/Windows\"><node oor:name=\"26100\" "
+    "oor:op=\"replace\"><prop oor:name=\"Visible\" oor:op=\"fuse\"><value>false</value></prop>"
+    "</node></item>\n";
+
 std::string Registry() {
   std::string registry =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -42,7 +49,7 @@ std::string Registry() {
                 "\"><prop oor:name=\"" + setting.name + "\" oor:op=\"fuse\"><value>" +
                 setting.value + "</value></prop></item>\n";
   }
-  return registry + "</oor:items>\n";
+  return registry + kHiddenFormulaBar + "</oor:items>\n";
 }
 
 void LinkIfPresent(const fs::path& target, const fs::path& link) {
