@@ -200,10 +200,10 @@ class Trace(World):
             f"{document}.Range(Start:=0, End:=0).Select()", "Word.Application.Visible = True",
         ]:
             self.assertIn(line, lines)
-        done = self.run_program("--trace", str(trace), "call", "CreateExcelApp")
+        done = self.run_program("--trace", str(trace), "call", "CheckForOutlook")
         self.assertEqual(
             trace.read_text(encoding="utf-8"),
-            'CreateObject("Excel.Application") ! error 429: ActiveX component can\'t create object\n')
+            'GetRunningObject("Outlook.Application") ! error 429: ActiveX component can\'t create object\n')
 
 
 if __name__ == "__main__":

@@ -91,4 +91,22 @@ PaperSize UserPaper() {
   return {length(_NL_PAPER_WIDTH), length(_NL_PAPER_HEIGHT)};
 }
 
+NumberSigns UserNumberSigns() {
+  NumberSigns signs;
+  signs.currency = CurrencySymbol();
+  const OwnedLocale locale = UserLocale();
+  if (!locale) return signs;
+  const locale_t previous = uselocale(locale.get());
+  const String decimal_point = FromLocale(nl_langinfo_l(RADIXCHAR, locale.get()));
+  const String separator = FromLocale(nl_langinfo_l(THOUSEP, locale.get()));
+  uselocale(previous);
+  if (!decimal_point.empty()) signs.decimal_point = decimal_point;
+  if (!separator.empty()) {
+    signs.thousands_separator = separator;
+  } else if (signs.decimal_point == u",") {
+    signs.thousands_separator.assign(1, u'.');
+  }
+  return signs;
+}
+
 }  // namespace kestrelon::desktop

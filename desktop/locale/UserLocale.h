@@ -24,6 +24,15 @@ struct PaperSize {
 // A4 when the user's locale is not installed.
 PaperSize UserPaper();
 
+// The signs that numbers are written with. A locale that is not installed, or that groups no
+// thousands, has "," for them ("." where "," is the decimal point).
+struct NumberSigns {
+  String decimal_point = u".";
+  String thousands_separator = u",";
+  String currency;  // as CurrencySymbol gives it
+};
+NumberSigns UserNumberSigns();
+
 // The order of a date format of strftime ("%d/%m/%y").
 std::string OrderOfDateFormat(const std::string& format);
 
