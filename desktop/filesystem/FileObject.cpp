@@ -24,6 +24,10 @@ struct stat StatusOf(const fs::path& path) {
   return status;
 }
 
+AutomationError AlreadyExists() {
+  return AutomationError(kFileAlreadyExists, u"File already exists");
+}
+
 // Renames without ever replacing another file.
 void RenameFile(const fs::path& from, const fs::path& to) {
   int result = renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
@@ -37,7 +41,7 @@ void RenameFile(const fs::path& from, const fs::path& to) {
     }
   }
   if (result == 0) return;
-  if (errno == EEXIST) throw AutomationError(kFileAlreadyExists, u"File already exists");
+  if (errno == EEXIST) throw AlreadyExists();
   throw FileError(errno, from);
 }
 
@@ -52,6 +56,20 @@ void DeleteOneFile(const fs::path& path, bool force) {
   const bool is_protected = (StatusOf(path).st_mode & S_IWUSR) == 0;
   if (is_protected && !force) throw AutomationError(kPermissionDenied);
   if (unlink(path.c_str()) != 0) throw FileError(errno, path);
+}
+
+void CopyFileTo(const fs::path& source, const fs::path& target, bool overwrite) {
+  StatusOf(source);
+  std::error_code ignored;
+  if (!overwrite && fs::exists(fs::symlink_status(target, ignored))) throw AlreadyExists();
+  const bool is_taken =
+      fs::is_directory(target, ignored) || fs::equivalent(source, target, ignored);
+  if (is_taken) throw AutomationError(kPermissionDenied);
+  const std::string content = ReadWholeFile(source);
+  if (overwrite) return WriteFileAtomically(target, content);
+  StagedFile file(target);
+  file.Fill(content, Durability::kRename);
+  if (!file.PlaceAsNew(target)) throw AlreadyExists();
 }
 
 const MemberTable<FileObject>& FileObject::Members() {

@@ -44,6 +44,7 @@ class FileSystemObject final : public ServerObject<FileSystemObject> {
             .Method(u"OpenTextFile", &Self::OpenFile,
                     {u"FileName", u"IOMode", u"Create", u"Format"})
             .Method(u"CreateTextFile", &Self::CreateFile, {u"FileName", u"Overwrite", u"Unicode"})
+            .Method(u"CopyFile", &Self::CopyOneFile, {u"Source", u"Destination", u"OverWriteFiles"})
             .Method(u"DeleteFile", &Self::DeleteFiles, {u"FileSpec", u"Force"})
             .Method(u"FileExists", &Self::FileExists, {u"FileSpec"})
             .Method(u"FolderExists", &Self::FolderExists, {u"FolderSpec"})
@@ -73,6 +74,16 @@ class FileSystemObject final : public ServerObject<FileSystemObject> {
     return OpenTextStream(path, OpenMode::kWriting,
                           overwrite ? Creation::kWhenMissing : Creation::kAlways,
                           unicode ? TextFormat::kUnicode : TextFormat::kAnsi);
+  }
+
+  // Plain names only. A destination that ends in a separator is a folder.
+  Value CopyOneFile(const MethodArguments& arguments) {
+    const fs::path source = PathFromText(arguments.Require(0).ToText());
+    fs::path target = PathFromText(arguments.Require(1).ToText());
+    if (!target.has_filename()) target /= source.filename();
+    const bool overwrite = !arguments.Has(2) || arguments[2].ToBoolean();
+    CopyFileTo(source, target, overwrite);
+    return {};
   }
 
   Value DeleteFiles(const MethodArguments& arguments) {

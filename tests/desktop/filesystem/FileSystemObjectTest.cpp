@@ -66,6 +66,28 @@ TEST_F(FileSystemObjectTest, KeepsEveryByteOfAnAnsiFileThatIsReadAndWritten) {
   EXPECT_EQ(Read("all.bin"), bytes);
 }
 
+TEST_F(FileSystemObjectTest, CopiesOneFileWholeOrNotAtAll) {
+  const auto copy = [&](StringView from, StringView to, auto... overwrite) {
+    return NumberOf([&] { files_.Call(u"CopyFile", Path(from), Path(to), overwrite...); });
+  };
+  const std::string bytes("\0\xA3\r\n", 4);
+  Write("a.htm", bytes);
+  fs::create_directory(RealPath("folder"));
+  EXPECT_EQ(copy(u"a.htm", u"b.htm"), 0);
+  EXPECT_EQ(copy(u"a.htm", u"folder/"), 0);
+  EXPECT_EQ(Read("b.htm") + Read("folder/a.htm"), bytes + bytes);
+  Write("b.htm", "old");
+  EXPECT_EQ(copy(u"a.htm", u"b.htm", false), 58);
+  EXPECT_EQ(copy(u"a.htm", u"new.htm", false), 0);
+  EXPECT_EQ(copy(u"none.htm", u"b.htm"), kFileNotFound);
+  EXPECT_EQ(copy(u"folder", u"b.htm"), kFileNotFound);
+  EXPECT_EQ(copy(u"a.htm", u"none/b.htm"), kPathNotFound);
+  EXPECT_EQ(copy(u"a.htm", u"a.htm"), kPermissionDenied);
+  EXPECT_EQ(copy(u"a.htm", u"folder"), kPermissionDenied);
+  EXPECT_EQ(Read("b.htm"), "old");
+  EXPECT_EQ(Read("new.htm") + Read("a.htm"), bytes + bytes);
+}
+
 TEST_F(FileSystemObjectTest, WritesAppendsAndCreates) {
   const Object created = files_.CallChild(u"CreateTextFile", Path(u"a.txt"));
   EXPECT_TRUE(files_.Call(u"FileExists", Path(u"a.txt")).ToBoolean());
