@@ -51,6 +51,11 @@ std::string_view LocalName(std::string_view name) {
 
 bool IsDeclaration(std::string_view name) { return name.starts_with("xmlns"); }
 
+// Of an element that has not changed.
+uint32_t Size(const XmlNode& node) {
+  return node.name == Name::kGap ? node.open_length : node.close + node.close_length - node.open;
+}
+
 std::string_view TagName(std::string_view open_tag) {
   size_t end = 1;
   while (open_tag[end] > ' ' && open_tag[end] != '/' && open_tag[end] != '>') ++end;
@@ -127,10 +132,7 @@ std::string XmlTree::OpenTagWithout(NodeId node,
 void XmlTree::AppendTo(NodeId node, std::string& bytes) const {
   const XmlNode& element = nodes_[node];
   if (!element.changed) {
-    const uint32_t length = element.name == Name::kGap
-                                ? element.open_length
-                                : element.close + element.close_length - element.open;
-    bytes += Bytes(element.open, length);
+    bytes += Bytes(element.open, Size(element));
     return;
   }
   bytes += OpenTag(node);
@@ -142,7 +144,7 @@ void XmlTree::AppendTo(NodeId node, std::string& bytes) const {
 
 std::string XmlTree::Write() const {
   std::string bytes;
-  bytes.reserve(source_.size() + added_.size());
+  bytes.reserve(source_.size() + added_.size() + shared_);
   for (NodeId child = nodes_[0].first_child; child != kNoNode; child = nodes_[child].next) {
     AppendTo(child, bytes);
   }
@@ -173,6 +175,7 @@ NodeId XmlTree::CopyOf(NodeId node) {
     return NewLeaf(nodes_[node].name, bytes);
   }
   XmlNode copy = nodes_[node];
+  shared_ += Size(copy);
   copy.parent = copy.previous = copy.next = copy.first_child = copy.last_child = kNoNode;
   nodes_.push_back(copy);
   return static_cast<NodeId>(nodes_.size() - 1);

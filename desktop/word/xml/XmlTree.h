@@ -93,6 +93,7 @@ class XmlTree {
 
   std::string source_;
   std::string added_;           // offsets from kAdded on
+  size_t shared_ = 0;           // bytes that copies have in common with their originals
   std::vector<XmlNode> nodes_;  // nodes_[0] stands for the part
   NodeId root_ = kNoNode;
 };
