@@ -14,6 +14,11 @@ Object OpenTextFile(ControlContext& context, const String& path, int32_t mode) {
   return files.CallChild(u"OpenTextFile", path, mode, false, kAnsiText);
 }
 
+void WriteAndClose(const Object& stream, String text) {
+  stream.Call(u"Write", std::move(text));
+  stream.Call(u"Close");
+}
+
 }  // namespace
 
 Object FileSystemOf(ControlContext& context) {
@@ -30,9 +35,12 @@ String ReadTextFile(ControlContext& context, const String& path) {
 }
 
 void RewriteTextFile(ControlContext& context, const String& path, String text) {
-  const Object stream = OpenTextFile(context, path, kForWriting);
-  stream.Call(u"Write", std::move(text));
-  stream.Call(u"Close");
+  WriteAndClose(OpenTextFile(context, path, kForWriting), std::move(text));
+}
+
+void WriteTextFile(ControlContext& context, const String& path, String text) {
+  const Object files = context.platform.CreateObject(u"Scripting.FileSystemObject");
+  WriteAndClose(files.CallChild(u"CreateTextFile", path, true), std::move(text));
 }
 
 }  // namespace kestrelon

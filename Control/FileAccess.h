@@ -15,4 +15,7 @@ String ReadTextFile(ControlContext& context, const String& path);
 // among them.
 void RewriteTextFile(ControlContext& context, const String& path, String text);
 
+// The same, whether the file is there or not.
+void WriteTextFile(ControlContext& context, const String& path, String text);
+
 }  // namespace kestrelon

@@ -1,14 +1,12 @@
+#include <algorithm>
 #include <vector>
 
 #include "documents/NodeList.h"
 #include "documents/TagData.h"
+#include "documents/WordTable.h"
 
 namespace kestrelon {
 namespace {
-
-Object CellRange(const Object& table, int32_t row, int32_t column) {
-  return table.CallChild(u"Cell", row, column).GetChild(u"Range");
-}
 
 // "firstname" for a header cell "<contact_firstname>"; "" for a column that is left alone.
 String ColumnKey(const String& header) {
@@ -21,11 +19,8 @@ String ColumnKey(const String& header) {
 
 // keys[k] is the key of column k; index 0 is not used.
 std::vector<String> ReadColumnKeys(const Object& table) {
-  const int32_t columns = table.GetChild(u"Columns").Get(u"Count").ToLong();
-  std::vector<String> keys(static_cast<size_t>(columns) + 1);
-  for (int32_t column = 1; column <= columns; ++column) {
-    keys[column] = ColumnKey(CleanCellText(CellRange(table, 1, column).Get(u"Text").ToText()));
-  }
+  std::vector<String> keys = ReadHeaderCells(table);
+  std::transform(keys.begin(), keys.end(), keys.begin(), ColumnKey);
   return keys;
 }
 
@@ -55,9 +50,7 @@ void FillRow(const Object& table, int32_t row, const Object& record,
 void FillListTable(const Object& wordTable, const Object& listNode) {
   const std::vector<String> keys = ReadColumnKeys(wordTable);
   const Object records = listNode.GetChild(u"childNodes");
-  const int32_t count = records.Get(u"length").ToLong();
-  const Object rows = wordTable.GetChild(u"Rows");
-  for (int32_t r = rows.Get(u"Count").ToLong(); r <= count; ++r) rows.Call(u"Add");
+  AddRowsFor(wordTable, records.Get(u"length").ToLong());
   int32_t row = 2;
   ForEachElement(records,
                  [&](const Object& record) { FillRow(wordTable, row++, record, keys, u"value"); });

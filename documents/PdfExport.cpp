@@ -5,6 +5,8 @@
 
 namespace kestrelon {
 
+bool IsPdfPath(const String& path) { return LowerCase(Right(path, 3)) == u"pdf"; }
+
 bool ExportPdf(ControlContext& context, const Object& document, const String& path) {
   return Attempt(
       [&] {
@@ -20,7 +22,7 @@ bool ExportPdf(ControlContext& context, const Object& document, const String& pa
 }
 
 void SaveOrExport(ControlContext& context, const Object& document, const String& path) {
-  if (LowerCase(Right(path, 3)) == u"pdf" && ExportPdf(context, document, path)) return;
+  if (IsPdfPath(path) && ExportPdf(context, document, path)) return;
   document.Call(u"SaveAs", path);
 }
 

@@ -32,13 +32,7 @@ void DeleteSelectedTag(const Object& target, const Object& selection) {
 bool ReplaceNextInBody(const Object& target, const Object& wordApp, const String& tag,
                        const String& value) {
   const Object selection = wordApp.GetChild(u"Selection");
-  const Object find = selection.GetChild(u"Find");
-  find.Put(u"MatchCase", false);
-  find.Put(u"forward", true);
-  find.Put(u"wrap", wdFindContinue);
-  find.Put(u"text", tag);
-  find.Call(u"Execute");
-  if (!find.Get(u"Found").ToBoolean()) return false;
+  if (!FindAndSelect(selection, tag)) return false;
   if (Trim(value).empty()) {
     DeleteSelectedTag(target, selection);
   } else {
@@ -87,6 +81,16 @@ void ReplaceInStories(const String& tag, const String& value, const Object& docu
 }
 
 }  // namespace
+
+bool FindAndSelect(const Object& selection, const String& text) {
+  const Object find = selection.GetChild(u"Find");
+  find.Put(u"MatchCase", false);
+  find.Put(u"forward", true);
+  find.Put(u"wrap", wdFindContinue);
+  find.Put(u"text", text);
+  find.Call(u"Execute");
+  return find.Get(u"Found").ToBoolean();
+}
 
 void ReplaceOneTag(ControlContext& context, const Object& target, const Object& wordApp,
                    int16_t index, const String& replaceInHeader) {

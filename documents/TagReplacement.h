@@ -5,6 +5,10 @@
 
 namespace kestrelon {
 
+// Moves the selection of Word to the next occurrence of `text` in any case, from the top again
+// after the end. False when there is none.
+bool FindAndSelect(const Object& selection, const String& text);
+
 // Replaces entry `index` of the tag table in `target`: in its main text through the selection of
 // `wordApp`, and, when `replaceInHeader` is exactly "true" and the value is shorter than 255
 // characters, in every other story. A blank value removes the tag, in a table together with the

@@ -5,7 +5,9 @@
 
 namespace kestrelon {
 
-constexpr int32_t wdCharacter = 1;             // WdUnits
+constexpr int32_t wdCharacter = 1;  // WdUnits
+constexpr int32_t wdParagraph = 4;
+constexpr int32_t wdExtend = 1;                // WdMovementType
 constexpr int32_t wdFindContinue = 1;          // WdFindWrap
 constexpr int32_t wdReplaceAll = 2;            // WdReplace
 constexpr int32_t wdWithInTable = 12;          // WdInformation
