@@ -58,6 +58,15 @@ const MemberCase kCases[] = {
      [](const LetterWorld& world, FailurePlan& plan) {
        return SavedLetter(world, Document(world.seminar_xml, plan), world.seminar_template);
      }},
+    {u"WordQuote", 100,
+     [](const LetterWorld& world, FailurePlan& plan) {
+       const Value quote = Document(
+           "<Data><quotefields><quotefield name='When'/></quotefields><quoterows><r when='1'/><r/>"
+           "</quoterows><field name='n' templatetag='fee'/><Data><r/></Data></Data>",
+           plan);
+       return std::vector<Value>{quote, world.seminar_template, FromUtf8(world.saved_path.string()),
+                                 u"true", u"true"};
+     }},
 };
 // Those that reach none.
 const std::set<StringView> kSelfContained = {
@@ -65,9 +74,9 @@ const std::set<StringView> kSelfContained = {
     u"currencyFormat", u"CreateMessage", u"CreateContactLetter"};
 // Those whose calls fail in turn in the tests of their subjects.
 const std::set<StringView> kWithTheirSubject = {
-    u"GetTemplateList", u"FindFile",   u"CreateHTMforPDF",  u"OpenFile",
-    u"UploadFile",      u"WordQuote",  u"WordQuoteHtml",    u"ExcelQuote",
-    u"MakeCall",        u"HangupCall", u"GetDialerVersion", u"GetTapiDrivers"};
+    u"GetTemplateList", u"FindFile",         u"CreateHTMforPDF", u"OpenFile",
+    u"UploadFile",      u"WordQuoteHtml",    u"ExcelQuote",      u"MakeCall",
+    u"HangupCall",      u"GetDialerVersion", u"GetTapiDrivers"};
 
 TEST(FailEverywhereCases, CoverEveryMember) {
   std::set<StringView> covered = testing::OutlookMembers();
