@@ -1,8 +1,9 @@
-// Quotes of many lines, each against a plain loop over the same lines.
+// Quotes of many lines, each against what no program can do without.
 
 #include "benchmarks/QuoteBenchmark.h"
 
 int main() {
   kestrelon::benchmarks::MeasureQuoteTemplates();
+  kestrelon::benchmarks::MeasureWordQuotes();
   return 0;
 }
