@@ -1,19 +1,14 @@
 // A page's document, as the browser hands it over.
 
-#include <libxml/HTMLparser.h>
-
 #include <memory>
 #include <unordered_map>
 
 #include "desktop/xml/HtmlElement.h"
+#include "desktop/xml/HtmlParser.h"
 #include "desktop/xml/XmlDocuments.h"
 
 namespace kestrelon::desktop {
 namespace {
-
-struct FreeContext {
-  void operator()(htmlParserCtxtPtr context) const { htmlFreeParserCtxt(context); }
-};
 
 class HtmlPage final : public ServerObject<HtmlPage> {
  public:
@@ -60,42 +55,10 @@ class HtmlPage final : public ServerObject<HtmlPage> {
   std::unordered_map<String, xmlNodePtr> elements_;  // by id, filled on first use
 };
 
-bool DeclaresEncoding(std::string_view bytes) {
-  constexpr size_t kHeadLength = 1024;  // a declaration stands in the first KiB
-  if (bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE")) return true;
-  const String head = LowerCase(FromAnsi(bytes.substr(0, kHeadLength)));
-  return head.find(u"charset") != String::npos;
-}
-
-const char* GuessEncoding(std::string_view bytes) {
-  if (DeclaresEncoding(bytes)) return nullptr;
-  const bool is_utf8 = ToUtf8(FromUtf8(bytes)) == bytes;
-  return is_utf8 ? "UTF-8" : "windows-1252";
-}
-
 }  // namespace
 
 Object ParseHtmlDocument(std::string_view bytes) {
-  constexpr size_t kLargestInput = size_t{1} << 30;
-  if (bytes.size() > kLargestInput) {
-    throw AutomationError(kInvalidProcedureCall, u"The page is larger than 1 GiB");
-  }
-  const std::unique_ptr<xmlParserCtxt, FreeContext> context(htmlNewParserCtxt());
-  if (!context) throw AutomationError(kOutOfMemory);
-  const auto tree = std::make_shared<HtmlTree>(htmlCtxtReadMemory(
-      context.get(), bytes.data(), static_cast<int>(bytes.size()), nullptr, GuessEncoding(bytes),
-      HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET));
-  const bool was_stopped = context->disableSAX != 0;
-  if (was_stopped) {
-    throw AutomationError(kInvalidProcedureCall, u"The page's elements nest deeper than 256");
-  }
-  const xmlDocPtr document = tree->document();
-  if (document == nullptr) throw AutomationError(kOutOfMemory);
-  if (xmlDocGetRootElement(document) == nullptr) {
-    const xmlNodePtr root =
-        xmlNewDocNode(document, nullptr, reinterpret_cast<const xmlChar*>("html"), nullptr);
-    xmlDocSetRootElement(document, root);
-  }
+  const auto tree = std::make_shared<HtmlTree>(ParseHtml(bytes, u"The page").release());
   return Object(std::make_shared<HtmlPage>(tree));
 }
 

@@ -186,6 +186,17 @@ void ParagraphEditor::InsertTokens(size_t index, size_t at, StringView clean) {
   if (paragraph_.pieces[head].length == 0) DropPiece(head);
 }
 
+void ParagraphEditor::SplitAt(size_t at) {
+  for (size_t i = 0; i < paragraph_.pieces.size(); ++i) {
+    const Piece& piece = paragraph_.pieces[i];
+    if (piece.begin < at && at < piece.end()) {
+      story_.part().Touch(piece.node);
+      SplitPiece(i, at);
+      return;
+    }
+  }
+}
+
 // What follows `at` in the piece becomes a piece of its own. False when nothing does.
 bool ParagraphEditor::SplitPiece(size_t index, size_t at) {
   const Piece whole = paragraph_.pieces[index];

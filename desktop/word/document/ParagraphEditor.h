@@ -23,6 +23,8 @@ class ParagraphEditor {
   size_t Replace(size_t from, size_t to, StringView clean);
   // The node, made where the file has none.
   NodeId EnsureParagraph();
+  // No text piece reaches over `at` from then on.
+  void SplitAt(size_t at);
 
  private:
   std::vector<NodeId> WholeFields(size_t from, size_t to) const;

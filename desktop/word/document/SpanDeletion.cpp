@@ -84,6 +84,12 @@ void SpanDeletion::CheckTables() {
   }
 }
 
+bool SpanDeletion::LeavesParagraph() const {
+  const Paragraph& last = story_.At(last_.index);
+  if (IsDirect(last) && last_.offset < last.text.size()) return true;
+  return last_.index + 1 < story_.Count() && IsDirect(story_.At(last_.index + 1));
+}
+
 void SpanDeletion::Execute() {
   if (span_.start >= span_.end) return;
   Paragraph& first = story_.At(first_.index);

@@ -13,6 +13,10 @@ class SpanDeletion {
   // without the whole table, or parts of two notes.
   SpanDeletion(StoryText& story, Span span);
   bool starts_with_table() const { return !tables_.empty() && !IsDirect(story_.At(first_.index)); }
+  // Without a last mark that stays.
+  Span span() const { return span_; }
+  // A paragraph beside the tables of the span, if there are any, begins where the span was.
+  bool LeavesParagraph() const;
   void Execute();
 
  private:

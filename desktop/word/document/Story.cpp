@@ -58,6 +58,14 @@ int32_t Story::ReplaceAll(const FindPattern& pattern, StringView replacement) {
 
 void Story::Delete(Span span) { text_->Delete(span); }
 
+Span Story::InsertBlocks(Span span, const BlockSource& blocks) {
+  return text_->InsertBlocks(span, blocks);
+}
+
+int32_t Story::MoveByParagraph(int32_t position, bool down) const {
+  return text_->MoveByParagraph(position, down);
+}
+
 int32_t Story::TableCount() const { return static_cast<int32_t>(text_->TopTables().size()); }
 
 Table* Story::TableAt(int32_t index) const {

@@ -14,6 +14,7 @@
 
 #include "automation/Text.h"
 #include "desktop/word/document/FindPattern.h"
+#include "desktop/word/document/InsertionPlace.h"
 
 namespace kestrelon::desktop::word {
 
@@ -79,6 +80,17 @@ class Story {
   // span holds a part of a table's structure without the whole table. The last mark of the story,
   // and a mark that must stay before or between tables, is left alone.
   void Delete(Span span);
+  // Puts paragraphs and tables in the place of the span (empty: an insertion), which splits the
+  // paragraph there unless they go before its first character. A paragraph that they begin with
+  // joins the first half; what is left of the paragraph, an empty one at least, follows them.
+  // Returns the span of what was inserted. Error 5904 as for Delete, at an end-of-row mark, and in
+  // the middle of a field or of a content control within a paragraph; 5792 when the part could not
+  // be read any more. Nothing has changed then.
+  Span InsertBlocks(Span span, const BlockSource& blocks);
+
+  // The start of the next paragraph, the length of the story in the last one; upward, the start of
+  // the paragraph, or of the one before it. End-of-row marks are passed over.
+  int32_t MoveByParagraph(int32_t position, bool down) const;
 
   // The tables of the story, nested ones not counted. 1-based; error 5941 for any other index. A
   // table stays valid until it is deleted.

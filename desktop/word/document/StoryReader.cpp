@@ -53,17 +53,28 @@ void StoryReader::ReadContainer(NodeId container) {
 
 void StoryReader::ReadBlocks(NodeId parent) {
   for (NodeId node = tree_.first_child(parent); node != kNoNode; node = tree_.next(node)) {
-    const Name name = tree_.name(node);
-    if (name == Name::kParagraph) {
-      ReadParagraph(node);
-    } else if (name == Name::kTable) {
-      ReadTable(node);
-    } else if (name == Name::kAlternateContent) {
-      ReadBlocks(Branch(node));
-    } else if (IsTransparent(name)) {
-      ReadBlocks(node);
-    }
+    ReadBlock(node);
   }
+}
+
+void StoryReader::ReadBlock(NodeId node) {
+  const Name name = tree_.name(node);
+  if (name == Name::kParagraph) {
+    ReadParagraph(node);
+  } else if (name == Name::kTable) {
+    ReadTable(node);
+  } else if (name == Name::kAlternateContent) {
+    ReadBlocks(Branch(node));
+  } else if (IsTransparent(name)) {
+    ReadBlocks(node);
+  }
+}
+
+void StoryReader::ReadInserted(const std::vector<NodeId>& blocks, const Paragraph& place) {
+  container_ = place.container;
+  cell_ = place.cell;
+  flow_ = place.flow;
+  for (const NodeId block : blocks) ReadBlock(block);
 }
 
 Paragraph& StoryReader::AddParagraph(NodeId node) {

@@ -22,11 +22,14 @@ class StoryReader {
   StoryReader(const XmlTree& tree, StoryContent& content) : tree_(tree), content_(content) {}
   // Takes down what stands in a body, header, note or text box, with its last paragraph mark.
   void ReadContainer(NodeId container);
+  // Paragraphs and tables that were inserted before `place`.
+  void ReadInserted(const std::vector<NodeId>& blocks, const Paragraph& place);
   // A row that was appended to a table.
   void ReadRow(Table& table, NodeId row);
 
  private:
   void ReadBlocks(NodeId parent);
+  void ReadBlock(NodeId node);
   void ReadParagraph(NodeId node);
   void ReadTable(NodeId node);
   void ReadRows(Table& table, NodeId parent);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "automation/AutomationError.h"
+#include "desktop/word/document/BlockInsertion.h"
 #include "desktop/word/document/ParagraphEditor.h"
 #include "desktop/word/document/SpanDeletion.h"
 #include "desktop/word/document/StoryReader.h"
@@ -171,6 +172,44 @@ void StoryText::Delete(Span span) {
     mirror_->Delete(span);
   }
   SpanDeletion(*this, span).Execute();
+}
+
+// The blocks go before the span, which then goes; what is refused is refused before anything
+// changes. A span that starts with a table goes first, because its first position is in a cell.
+Span StoryText::InsertBlocks(Span span, const BlockSource& blocks) {
+  CheckSpan(span);
+  const bool reaches_mirror =
+      mirror_ != nullptr && span.end <= mirror_->length() && mirror_->Text(span) == Text(span);
+  const Span asked = span;
+  span.end = std::max(span.start, std::min(span.end, length_ - 1));
+  span.start = std::min(span.start, length_ - 1);
+  SpanDeletion deletion(*this, span);
+  span = deletion.span();
+  const bool goes_first = span.start < span.end && deletion.starts_with_table();
+  if (goes_first && !deletion.LeavesParagraph()) throw CannotEditRange();
+  const std::vector<NodeId> prepared =
+      BlockInsertion(*this, goes_first ? span.end : span.start).Prepare(blocks);
+  if (reaches_mirror) mirror_->InsertBlocks(asked, blocks);
+  if (goes_first) {
+    deletion.Execute();
+    return BlockInsertion(*this, span.start).Execute(prepared);
+  }
+  const Span put = BlockInsertion(*this, span.start).Execute(prepared);
+  SpanDeletion(*this, {put.end, put.end + span.end - span.start}).Execute();
+  return put;
+}
+
+int32_t StoryText::MoveByParagraph(int32_t position, bool down) {
+  CheckSpan({position, position});
+  const Place place = Locate(position);
+  size_t index = place.index;
+  if (!down && place.offset > 0 && At(index).mark != Mark::kRow) return StartOf(At(index));
+  do {
+    if (down && index == Count() - 1) return length_;
+    if (!down && index == 0) return 0;
+    down ? ++index : --index;
+  } while (At(index).mark == Mark::kRow);
+  return StartOf(At(index));
 }
 
 // A mirror that reads as this text did takes the same edit; one that differs, the first place where

@@ -12,6 +12,7 @@
 
 #include "desktop/word/document/DocumentPart.h"
 #include "desktop/word/document/FindPattern.h"
+#include "desktop/word/document/InsertionPlace.h"
 #include "desktop/word/document/Paragraph.h"
 #include "desktop/word/document/Story.h"
 #include "desktop/word/document/Table.h"
@@ -84,6 +85,8 @@ class StoryText {
   Span Replace(Span span, StringView text);
   int32_t ReplaceAll(const FindPattern& pattern, StringView replacement);
   void Delete(Span span);
+  Span InsertBlocks(Span span, const BlockSource& blocks);
+  int32_t MoveByParagraph(int32_t position, bool down);
   // Replaces all text of a paragraph, its mark left alone, without asking for its position.
   void SetText(Paragraph& paragraph, StringView text);
   void AppendRow(Table& table, NodeId row, Paragraph& after);
@@ -101,6 +104,7 @@ class StoryText {
   void NoteRemoved(Paragraph& paragraph, size_t from, size_t to);
 
  private:
+  friend class BlockInsertion;
   friend class SpanDeletion;
   using Match = FindPattern::Match;
 

@@ -22,7 +22,7 @@ class RowCopy {
   explicit RowCopy(XmlTree& tree) : tree_(tree) {}
 
   NodeId Make(NodeId row) {
-    const NodeId copy = EmptyLike(row);
+    const NodeId copy = tree_.NewEmptyLike(row);
     for (NodeId child = tree_.first_child(row); child != kNoNode; child = tree_.next(child)) {
       if (tree_.name(child) == Name::kTableExceptions) Append(copy, tree_.CopyOf(child));
       if (tree_.name(child) == Name::kRowProperties) Append(copy, RowProperties(child));
@@ -32,21 +32,11 @@ class RowCopy {
   }
 
  private:
-  // Ids of rows and paragraphs are theirs alone.
-  NodeId EmptyLike(NodeId node) {
-    const std::string open = tree_.OpenTagWithout(node, {"paraId", "textId"});
-    const std::string_view tag = open;
-    const std::string name(tag.substr(1, tag.find_first_of(" \t\r\n/>", 1) - 1));
-    const std::string start =
-        tag.ends_with("/>") ? std::string(tag.substr(0, tag.size() - 2)) + ">" : open;
-    return tree_.NewElement(tree_.name(node), start, "</" + name + ">");
-  }
-
   void Append(NodeId parent, NodeId child) { tree_.Insert(parent, kNoNode, child); }
 
   // A row of data is neither a heading nor a tracked change because the one above it is.
   NodeId RowProperties(NodeId properties) {
-    const NodeId copy = EmptyLike(properties);
+    const NodeId copy = tree_.NewEmptyLike(properties);
     for (NodeId child = tree_.first_child(properties); child != kNoNode;
          child = tree_.next(child)) {
       const Name name = tree_.name(child);
@@ -70,7 +60,7 @@ class RowCopy {
   }
 
   NodeId CellLike(NodeId cell) {
-    const NodeId copy = EmptyLike(cell);
+    const NodeId copy = tree_.NewEmptyLike(cell);
     const NodeId properties = tree_.Child(cell, Name::kCellProperties);
     if (properties != kNoNode) Append(copy, tree_.CopyOf(properties));
     const NodeId paragraph = FirstBelow(tree_, cell, Name::kParagraph);
@@ -80,7 +70,7 @@ class RowCopy {
   }
 
   NodeId ParagraphLike(NodeId paragraph) {
-    const NodeId copy = EmptyLike(paragraph);
+    const NodeId copy = tree_.NewEmptyLike(paragraph);
     const NodeId properties = tree_.Child(paragraph, Name::kParagraphProperties);
     if (properties != kNoNode) Append(copy, tree_.CopyOf(properties));
     const NodeId run = FirstRun(tree_, paragraph);

@@ -58,6 +58,7 @@ class Table {
   Cell* parent() const { return parent_; }
 
  private:
+  friend class BlockInsertion;
   friend class Cell;
   friend class StoryReader;
   friend class StoryText;

@@ -37,17 +37,6 @@ fs::path PathArgument(const MethodArguments& arguments, size_t index) {
   return fs::absolute(PathFromText(text)).lexically_normal();
 }
 
-// Reads a file; a missing one becomes `number` with a text that says what to do.
-std::unique_ptr<Document> ReadFile(const fs::path& path, int32_t number, StringView what) {
-  try {
-    return ReadDocument(path);
-  } catch (const AutomationError& error) {
-    if (error.number() != kFileNotFound && error.number() != kPathNotFound) throw;
-    throw AutomationError(number, String(what) + u" was not found: " + TextFromPath(path) +
-                                      u". Check its name and folder.");
-  }
-}
-
 bool AsksToSave(const MethodArguments& arguments) {
   return arguments.Has(0) && arguments[0].ToLong() == kSaveChanges;
 }
@@ -75,6 +64,8 @@ const MemberTable<ApplicationObject>& ApplicationObject::Members() {
           .Property(u"ActiveDocument", &ApplicationObject::GetActiveDocument)
           .Property(u"Selection", &ApplicationObject::GetSelection)
           .Property(u"Visible", &ApplicationObject::GetVisible, &ApplicationObject::PutVisible)
+          .Method(u"ChangeFileOpenDirectory", &ApplicationObject::ChangeFileOpenDirectory,
+                  {u"Path"})
           .Method(u"Quit", &ApplicationObject::Quit,
                   {u"SaveChanges", u"OriginalFormat", u"RouteDocument"});
   return table;
@@ -101,6 +92,18 @@ void ApplicationObject::PutVisible(const Value& value) {
   Session& session = *owner().session;
   session.visible = value.ToBoolean();
   if (session.visible) session.Show();
+}
+
+Value ApplicationObject::ChangeFileOpenDirectory(const MethodArguments& arguments) {
+  Session& session = *owner().session;
+  const fs::path folder = session.Resolve(arguments.Require(0).ToText());
+  std::error_code ignored;
+  if (!fs::is_directory(folder, ignored)) {
+    throw AutomationError(kNoSuchFolder, u"Cannot change to the folder " + TextFromPath(folder) +
+                                             u": it does not exist. Check its name.");
+  }
+  session.folder = folder;
+  return {};
 }
 
 Value ApplicationObject::Quit(const MethodArguments& arguments) {
@@ -147,7 +150,9 @@ Value DocumentsObject::ItemOf(const MethodArguments& arguments) {
 
 Value DocumentsObject::Add(const MethodArguments& arguments) {
   Session& session = *owner().session;
-  auto engine = ReadFile(PathArgument(arguments, 0), kCannotReadTemplate, u"The template");
+  const fs::path path = session.Resolve(arguments.Require(0).ToText());
+  auto engine =
+      NamingMissing(path, kCannotReadTemplate, u"The template", [&] { return ReadDocument(path); });
   const String name = u"Document" + Value(++session.documents_named).ToText();
   session.Add(std::make_shared<OpenDocument>(std::move(engine), name));
   return MakeObject<DocumentObject>(Owner{owner().session, session.active});
@@ -155,12 +160,13 @@ Value DocumentsObject::Add(const MethodArguments& arguments) {
 
 Value DocumentsObject::Open(const MethodArguments& arguments) {
   Session& session = *owner().session;
-  const fs::path path = PathArgument(arguments, 0);
+  const fs::path path = session.Resolve(arguments.Require(0).ToText());
   if (auto open = session.FindByPath(path)) {
     session.active = std::move(open);
   } else {
-    auto document =
-        std::make_shared<OpenDocument>(ReadFile(path, kFileNotOpened, u"The file"), String());
+    auto engine =
+        NamingMissing(path, kFileNotOpened, u"The file", [&] { return ReadDocument(path); });
+    auto document = std::make_shared<OpenDocument>(std::move(engine), String());
     document->BindToFile(path, std::nullopt);
     session.Add(std::move(document));
   }

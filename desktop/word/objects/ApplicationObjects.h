@@ -21,6 +21,9 @@ class ApplicationObject final : public WordObject<ApplicationObject> {
   Value GetVisible() { return owner().session->visible; }
   // True hands each open document to the user's own program.
   void PutVisible(const Value& value);
+  // Where Open, Add and InsertFile look for names without a folder. Error 4172 for a folder that is
+  // not there.
+  Value ChangeFileOpenDirectory(const MethodArguments& arguments);
   Value Quit(const MethodArguments& arguments);
 };
 

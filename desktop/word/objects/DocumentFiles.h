@@ -10,7 +10,9 @@
 #include <memory>
 #include <optional>
 
+#include "automation/AutomationError.h"
 #include "automation/Text.h"
+#include "desktop/storage/Paths.h"
 #include "desktop/word/document/Document.h"
 
 namespace kestrelon::desktop::word {
@@ -31,6 +33,20 @@ enum class FileFormat : int32_t {
 // Reads a document of any known format. The error of the file system, the converter or the engine,
 // with the path in its description.
 std::unique_ptr<Document> ReadDocument(const std::filesystem::path& path);
+
+// Runs `read`, which reads the file; that it is missing becomes `number` with a text that says what
+// to do.
+template <typename Read>
+auto NamingMissing(const std::filesystem::path& path, int32_t number, StringView what,
+                   const Read& read) {
+  try {
+    return read();
+  } catch (const AutomationError& error) {
+    if (error.number() != kFileNotFound && error.number() != kPathNotFound) throw;
+    throw AutomationError(number, String(what) + u" was not found: " + TextFromPath(path) +
+                                      u". Check its name and folder.");
+  }
+}
 
 struct SaveTarget {
   std::filesystem::path path;

@@ -15,6 +15,7 @@ OpenDocument::OpenDocument(std::unique_ptr<Document> engine, String name)
     : engine_(std::move(engine)), selection_(engine_->Main(), Span{}), name_(std::move(name)) {}
 
 void OpenDocument::Select(Story& story, Span span) {
+  moves_start_ = false;
   if (&selection_.story() == &story) {
     selection_.Set(span);
   } else {
@@ -66,6 +67,11 @@ void OpenDocument::ShowToUser() {
                           u"check KESTRELON_OPENER. The document is in " +
                               TextFromPath(file) + u".");
   }
+}
+
+fs::path Session::Resolve(const String& name) const {
+  if (name.empty()) throw BadParameter(u"the file name is empty.");
+  return fs::absolute(folder / PathFromText(name)).lexically_normal();
 }
 
 void Session::Add(std::shared_ptr<OpenDocument> document) {

@@ -29,6 +29,9 @@ class OpenDocument {
   OpenDocument(std::unique_ptr<Document> engine, String name);
 
   Document& engine() { return *engine_; }
+  // Of a selection that was extended: the end that MoveDown and MoveUp move.
+  bool moves_start() const { return moves_start_; }
+  void SetMovesStart(bool moves_start) { moves_start_ = moves_start; }
   // After every change of the text.
   void NoteEdit() { ++edits_; }
 
@@ -62,6 +65,7 @@ class OpenDocument {
   std::unique_ptr<Document> engine_;
   TrackedSpan selection_;
   FindSettings selection_find_;
+  bool moves_start_ = false;
   String name_;
   std::filesystem::path path_;
   std::optional<FileFormat> format_;
@@ -78,6 +82,10 @@ struct Session {
   int32_t documents_named = 0;
   std::vector<std::shared_ptr<OpenDocument>> documents;  // in the order of their opening
   std::shared_ptr<OpenDocument> active;
+  std::filesystem::path folder;  // where names without one are looked up; "" for the process's
+
+  // The absolute path of a file to be read. Error 4120 for an empty name.
+  std::filesystem::path Resolve(const String& name) const;
 
   void Add(std::shared_ptr<OpenDocument> document);
   void Remove(const std::shared_ptr<OpenDocument>& document);

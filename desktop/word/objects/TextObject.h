@@ -39,6 +39,10 @@ Value InformationOf(const Story& story, Span span, int32_t type);
 // (before it, when negative). How many pieces went.
 int32_t DeleteAt(Story& story, Span span, int32_t unit, int32_t count);
 
+// Puts a file in the place of the span; the arguments are those of InsertFile. Returns the span of
+// what was inserted. Error 5174 for a missing file, 4120 for a part of a file and for a link.
+Span InsertFileAt(const Owner& owner, Story& story, Span span, const MethodArguments& arguments);
+
 template <class Server>
 class TextObject : public WordObject<Server>, public TextPlace {
  public:
@@ -80,6 +84,13 @@ class TextObject : public WordObject<Server>, public TextPlace {
     if (deleted != 0) this->document().NoteEdit();
     return deleted;
   }
+  // A range covers what was inserted, a selection stands behind it.
+  Value InsertFile(const MethodArguments& arguments) {
+    static_cast<Server&>(*this).TakeInserted(
+        InsertFileAt(this->owner(), story(), span(), arguments));
+    this->document().NoteEdit();
+    return {};
+  }
   Value GetFind() {
     return MakeFind(this->owner(), std::static_pointer_cast<Server>(this->shared_from_this()));
   }
@@ -102,7 +113,9 @@ class TextObject : public WordObject<Server>, public TextPlace {
         .Method(u"MoveStart", &Server::MoveStart, {u"Unit", u"Count"})
         .Method(u"MoveEnd", &Server::MoveEnd, {u"Unit", u"Count"})
         .Method(u"Collapse", &Server::Collapse, {u"Direction"})
-        .Method(u"Delete", &Server::Delete, {u"Unit", u"Count"});
+        .Method(u"Delete", &Server::Delete, {u"Unit", u"Count"})
+        .Method(u"InsertFile", &Server::InsertFile,
+                {u"FileName", u"Range", u"ConfirmConversions", u"Link", u"Attachment"});
   }
 
  private:

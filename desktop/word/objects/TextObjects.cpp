@@ -1,11 +1,16 @@
 #include "desktop/word/objects/TextObjects.h"
 
+#include <cstdlib>
+
+#include "desktop/word/html/InsertedFile.h"
 #include "desktop/word/objects/StoryObjects.h"
 
 namespace kestrelon::desktop::word {
 namespace {
 
 constexpr int32_t kUnitCharacter = 1;
+constexpr int32_t kUnitParagraph = 4;
+constexpr int32_t kUnitLine = 5;
 constexpr int32_t kUnitStory = 6;
 constexpr int32_t kWithInTable = 12;
 
@@ -72,6 +77,20 @@ int32_t DeleteAt(Story& story, Span span, int32_t unit, int32_t count) {
   return pieces;
 }
 
+Span InsertFileAt(const Owner& owner, Story& story, Span span, const MethodArguments& arguments) {
+  enum Parameter : size_t { kFileName, kRange, kConfirmConversions, kLink };
+  if (arguments.Has(kRange) && !arguments[kRange].ToText().empty()) {
+    throw BadParameter(u"files are inserted as a whole here. Leave Range out.");
+  }
+  if (arguments.Has(kLink) && arguments[kLink].ToBoolean()) {
+    throw BadParameter(u"files are not linked here. Leave Link out.");
+  }
+  const auto path = owner.session->Resolve(arguments.Require(kFileName).ToText());
+  const BlockSource blocks =
+      NamingMissing(path, kFileNotOpened, u"The file", [&] { return html::BlocksOfFile(path); });
+  return story.InsertBlocks(span, blocks);
+}
+
 Value MakeRange(const Owner& owner, Story& story, Span span) {
   return MakeObject<RangeObject>(owner, story, span);
 }
@@ -125,13 +144,47 @@ const MemberTable<SelectionObject>& SelectionObject::Members() {
           .Property(u"", &SelectionObject::GetText, &SelectionObject::PutText)
           .Property(u"Text", &SelectionObject::GetText, &SelectionObject::PutText)
           .Property(u"Range", &SelectionObject::GetDuplicate)
-          .Method(u"TypeText", &SelectionObject::TypeText, {u"Text"});
+          .Method(u"TypeText", &SelectionObject::TypeText, {u"Text"})
+          .Method(u"MoveDown", &SelectionObject::MoveDown, {u"Unit", u"Count", u"Extend"})
+          .Method(u"MoveUp", &SelectionObject::MoveUp, {u"Unit", u"Count", u"Extend"});
   return table;
 }
 
 Value SelectionObject::TypeText(const MethodArguments& arguments) {
   Type(arguments.Require(0).ToText(), /*collapse=*/true);
   return {};
+}
+
+// An extended selection keeps the end that does not move; any other becomes a caret first, at the
+// end that lies in the direction.
+int32_t SelectionObject::MoveBy(const MethodArguments& arguments, int32_t direction) {
+  const int32_t unit = arguments.Has(0) ? arguments[0].ToLong() : kUnitLine;
+  const int32_t count = arguments.Has(1) ? arguments[1].ToLong() : 1;
+  const bool extends = arguments.Has(2) && arguments[2].ToLong() != 0;
+  if (unit != kUnitParagraph) {
+    throw BadParameter(u"Unit " + Value(unit).ToText() +
+                       u" is not known here, where text has no lines. Use 4 (paragraph).");
+  }
+  const bool down = count < 0 ? direction < 0 : direction > 0;
+  const Span before = span();
+  const bool moves_start = extends ? document().moves_start() : !down;
+  const int32_t anchor = moves_start ? before.end : before.start;
+  const int32_t last = extends ? story().Length() : story().Length() - 1;
+  int32_t active = moves_start ? before.start : before.end;
+  int32_t moved = 0;
+  for (; moved < std::abs(int64_t{count}); ++moved) {
+    const int32_t next = std::min(story().MoveByParagraph(active, down), last);
+    if (next == active) break;
+    active = next;
+  }
+  if (moved == 0) return 0;
+  if (!extends) {
+    MoveTo({active, active});
+    return moved;
+  }
+  MoveTo({std::min(anchor, active), std::max(anchor, active)});
+  document().SetMovesStart(active < anchor);
+  return moved;
 }
 
 void SelectionObject::Type(const String& text, bool collapse) {

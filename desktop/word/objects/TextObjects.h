@@ -20,6 +20,7 @@ class RangeObject final : public TextObject<RangeObject> {
   Story& story() override { return tracked().story(); }
   Span span() override { return tracked().span(); }
   void MoveTo(Span span) override { tracked().Set(span); }
+  void TakeInserted(Span span) { MoveTo(span); }
   FindSettings& find_settings() override { return find_; }
 
   Value GetText();
@@ -44,14 +45,20 @@ class SelectionObject final : public TextObject<SelectionObject> {
 
   Story& story() override { return document().selection().story(); }
   Span span() override { return document().selection().span(); }
-  void MoveTo(Span span) override { document().selection().Set(span); }
+  void MoveTo(Span span) override { document().Select(story(), span); }
+  void TakeInserted(Span span) { MoveTo({span.end, span.end}); }
   FindSettings& find_settings() override { return document().selection_find(); }
 
   Value GetText() { return story().Text(span()); }
   void PutText(const Value& value) { Type(value.ToText(), /*collapse=*/false); }
   Value TypeText(const MethodArguments& arguments);
+  // By paragraphs (4) alone; error 4120 for lines and anything else that only a page has. How many
+  // the selection was moved or extended by.
+  Value MoveDown(const MethodArguments& arguments) { return MoveBy(arguments, 1); }
+  Value MoveUp(const MethodArguments& arguments) { return MoveBy(arguments, -1); }
 
  private:
+  int32_t MoveBy(const MethodArguments& arguments, int32_t direction);
   void Type(const String& text, bool collapse);
 };
 

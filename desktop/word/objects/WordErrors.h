@@ -11,6 +11,7 @@ namespace kestrelon::desktop::word {
 
 enum WordErrorNumber : int32_t {
   kBadParameter = 4120,
+  kNoSuchFolder = 4172,
   kCommandFailed = 4198,
   kNoDocumentOpen = 4248,
   kCannotReadTemplate = 5151,

@@ -79,6 +79,12 @@ bool XmlTree::IsAttached(NodeId node) const {
   return node == root_;
 }
 
+size_t XmlTree::DepthOf(NodeId node) const {
+  size_t depth = 0;
+  for (; node != kNoNode; node = nodes_[node].parent) ++depth;
+  return depth;
+}
+
 std::string_view XmlTree::Bytes(uint32_t offset, uint32_t length) const {
   const std::string_view all = offset < kAdded ? source_ : added_;
   return all.substr(offset & (kAdded - 1), length);
@@ -113,6 +119,47 @@ std::optional<std::string> XmlTree::Attribute(NodeId node, std::string_view loca
     }
   }
   return std::nullopt;
+}
+
+NodeId XmlTree::ChildNamed(NodeId node, std::string_view local) const {
+  NodeId child = nodes_[node].first_child;
+  while (child != kNoNode &&
+         (name(child) == Name::kGap || LocalName(TagName(OpenTag(child))) != local)) {
+    child = nodes_[child].next;
+  }
+  return child;
+}
+
+std::optional<std::string> XmlTree::DeclaredUri(NodeId node, std::string_view prefix) const {
+  const std::string wanted =
+      prefix.empty() ? "xmlns" : std::string("xmlns:").append(prefix.substr(0, prefix.size() - 1));
+  for (; node != kNoNode; node = nodes_[node].parent) {
+    AttributeWalk walk(OpenTag(node));
+    while (const auto attribute = walk.Next()) {
+      if (attribute->name == wanted) return DecodeXmlAttribute(attribute->raw_value);
+    }
+  }
+  return std::nullopt;
+}
+
+std::string XmlTree::NamespaceOf(NodeId node) const {
+  return DeclaredUri(node, Prefix(node)).value_or("");
+}
+
+// As attributes; the innermost of each prefix.
+std::string XmlTree::DeclarationsAround(NodeId node) const {
+  std::string declarations;
+  std::vector<std::string_view> seen;
+  for (; node != kNoNode; node = nodes_[node].parent) {
+    AttributeWalk walk(OpenTag(node));
+    while (const auto attribute = walk.Next()) {
+      const bool is_new = std::find(seen.begin(), seen.end(), attribute->name) == seen.end();
+      if (!IsDeclaration(attribute->name) || !is_new) continue;
+      seen.push_back(attribute->name);
+      declarations += attribute->whole;
+    }
+  }
+  return declarations;
 }
 
 std::string XmlTree::OpenTagWithout(NodeId node,
@@ -166,6 +213,65 @@ NodeId XmlTree::NewElement(Name name, std::string_view open_tag, std::string_vie
   node.close = AddBytes(close_tag);
   node.close_length = static_cast<uint32_t>(close_tag.size());
   return static_cast<NodeId>(nodes_.size() - 1);
+}
+
+std::string XmlTree::EnsurePrefix(NodeId node) {
+  const std::string own(Prefix(node));
+  if (!own.empty()) return own;
+  const std::string uri = NamespaceOf(node);
+  for (NodeId around = node; around != kNoNode; around = nodes_[around].parent) {
+    AttributeWalk walk(OpenTag(around));
+    while (const auto attribute = walk.Next()) {
+      if (!attribute->name.starts_with("xmlns:")) continue;
+      const std::string prefix = std::string(LocalName(attribute->name)) + ":";
+      if (DeclaredUri(node, prefix) == uri) return prefix;
+    }
+  }
+  std::string prefix = "w";
+  while (source_.find("xmlns:" + prefix) != std::string::npos) prefix += 'w';
+  std::string tag(OpenTag(root_));
+  tag.insert(TagName(tag).size() + 1, " xmlns:" + prefix + "=\"" + uri + "\"");
+  nodes_[root_].open = AddBytes(tag);
+  nodes_[root_].open_length = static_cast<uint32_t>(tag.size());
+  MarkChanged(root_);
+  return prefix + ":";
+}
+
+XmlTree::Fragment XmlTree::NewElements(NodeId parent, std::string_view markup) {
+  std::string wrapped = "<f" + DeclarationsAround(parent) + ">";
+  wrapped.append(markup).append("</f>");
+  const XmlTree read(std::move(wrapped), "of what is inserted");
+  Fragment fragment = {{}, 0};
+  // Ids and offsets go on where those of this tree end.
+  const auto first = static_cast<NodeId>(nodes_.size()) - (read.root_ + 1);
+  const uint32_t bytes = AddBytes(read.source_);
+  const auto moved = [&](NodeId node) { return node > read.root_ ? node + first : kNoNode; };
+  std::vector<size_t> depths(read.nodes_.size());
+  for (NodeId id = read.root_ + 1; id < read.nodes_.size(); ++id) {
+    XmlNode node = read.nodes_[id];
+    if (node.parent == read.root_ && node.name != Name::kGap)
+      fragment.elements.push_back(id + first);
+    depths[id] = depths[node.parent] + 1;
+    fragment.height = std::max(fragment.height, depths[id]);
+    for (NodeId* link :
+         {&node.parent, &node.previous, &node.next, &node.first_child, &node.last_child}) {
+      *link = moved(*link);
+    }
+    if (node.parent == kNoNode) node.previous = node.next = kNoNode;
+    node.open += bytes;
+    node.close += bytes;
+    nodes_.push_back(node);
+  }
+  return fragment;
+}
+
+NodeId XmlTree::NewEmptyLike(NodeId node) {
+  const std::string open = OpenTagWithout(node, {"paraId", "textId"});
+  const std::string_view tag = open;
+  const std::string start =
+      tag.ends_with("/>") ? std::string(tag.substr(0, tag.size() - 2)) + ">" : open;
+  const std::string end = "</" + std::string(TagName(tag)) + ">";
+  return NewElement(name(node), start, end);
 }
 
 NodeId XmlTree::CopyOf(NodeId node) {

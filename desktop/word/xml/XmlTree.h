@@ -52,12 +52,18 @@ class XmlTree {
   NodeId Child(NodeId node, Name name) const;
   // The root is reached by way of parents.
   bool IsAttached(NodeId node) const;
+  // How many elements are around it, itself included.
+  size_t DepthOf(NodeId node) const;
 
   std::string_view OpenTag(NodeId node) const;
   // The bytes between the tags of a leaf.
   std::string_view LeafContent(NodeId node) const;
   // The prefix of the element's name with its colon; "" when it has none.
   std::string_view Prefix(NodeId node) const;
+  // The URI of the namespace of the element.
+  std::string NamespaceOf(NodeId node) const;
+  // The first child element of that local name; kNoNode when there is none.
+  NodeId ChildNamed(NodeId node, std::string_view local) const;
   // The value of the attribute with that local name, whatever its prefix.
   std::optional<std::string> Attribute(NodeId node, std::string_view local) const;
   // The start tag without the attributes of these local names.
@@ -73,6 +79,19 @@ class XmlTree {
   NodeId NewLeaf(Name name, std::string_view markup);
   NodeId NewElement(Name name, std::string_view open_tag, std::string_view close_tag);
   NodeId CopyOf(NodeId node);
+  // An element with the same start tag and nothing in it. The ids of rows and paragraphs, which are
+  // theirs alone, are left out.
+  NodeId NewEmptyLike(NodeId node);
+  // The elements that `markup` consists of, as they may stand in `parent`: with the prefixes that
+  // are declared there. Error 5792 when it is not well-formed, and as for a part.
+  struct Fragment {
+    std::vector<NodeId> elements;
+    size_t height;  // how deep they nest
+  };
+  Fragment NewElements(NodeId parent, std::string_view markup);
+  // A prefix with its colon for attributes of the element's namespace, which need one even where
+  // elements do without; declared in the root where none is.
+  std::string EnsurePrefix(NodeId node);
   // As the child of `parent` before `next`, last for kNoNode.
   void Insert(NodeId parent, NodeId next, NodeId node);
   void InsertAfter(NodeId sibling, NodeId node) {
@@ -90,6 +109,8 @@ class XmlTree {
   uint32_t AddBytes(std::string_view bytes);
   void MarkChanged(NodeId node);
   void OpenUp(NodeId node);
+  std::optional<std::string> DeclaredUri(NodeId node, std::string_view prefix) const;
+  std::string DeclarationsAround(NodeId node) const;
 
   std::string source_;
   std::string added_;           // offsets from kAdded on
