@@ -68,6 +68,7 @@ class Layout {
   ColumnWidths Compute() {
     Measure();
     ShareSpans();
+    WidenForSpans();
     const double table = TableWidth();
     ColumnWidths result;
     result.table = HasOwnWidth() ? static_cast<int32_t>(std::lround(table)) : 0;
@@ -109,6 +110,27 @@ class Layout {
         }
         for (size_t i = cell.column; left > 0 && i < cell.column + cell.columns; ++i) {
           if (!asked_[i].IsSet()) asked_[i] = {cell.width.unit, left / unknown};
+        }
+      }
+    }
+  }
+
+  // Columns without a width of their own make room for what stands over several of them.
+  void WidenForSpans() {
+    for (const Row& row : table_.rows) {
+      for (const Cell& cell : row.cells) {
+        if (cell.columns == 1 || cell.goes_on) continue;
+        Extent lacks = ExtentOf(cell, table_.padding);
+        double unknown = 0;
+        for (size_t i = cell.column; i < cell.column + cell.columns; ++i) {
+          lacks.least -= extents_[i].least;
+          lacks.most -= extents_[i].most;
+          if (!asked_[i].IsSet()) ++unknown;
+        }
+        for (size_t i = cell.column; i < cell.column + cell.columns; ++i) {
+          if (asked_[i].IsSet()) continue;
+          extents_[i].least += std::max(lacks.least, 0.0) / unknown;
+          extents_[i].most += std::max(lacks.most, 0.0) / unknown;
         }
       }
     }
