@@ -12,14 +12,6 @@ namespace {
 
 constexpr int32_t kHanging = 360;
 
-String TextOf(const xmlNode& node) {
-  return FromUtf8(node.content == nullptr ? "" : reinterpret_cast<const char*>(node.content));
-}
-
-bool IsText(const xmlNode& node) {
-  return node.type == XML_TEXT_NODE || node.type == XML_CDATA_SECTION_NODE;
-}
-
 }  // namespace
 
 void BlockReader::ReadContent(const xmlNode& element, const ElementStyle& style) {
@@ -52,7 +44,7 @@ void BlockReader::ReadChildren(const xmlNode& parent, const Inherited& inherited
 }
 
 void BlockReader::ReadNode(const xmlNode& node, const Inherited& inherited) {
-  if (IsText(node)) text_.Add(TextOf(node), inherited);
+  if (IsText(node)) text_.Add(FromUtf8(TextOf(node)), inherited);
   if (node.type == XML_ELEMENT_NODE) ReadElement(node, inherited);
 }
 
@@ -60,7 +52,7 @@ void BlockReader::ReadElement(const xmlNode& element, const Inherited& around) {
   const std::string_view name = NameOf(element);
   if (IsSkipped(name)) return;
   if (name == "br") return text_.AddBreak(around);
-  const ElementStyle style = StyleOf(element, around, sheet_);
+  const ElementStyle style = StyleOf(element, around, page_.sheet);
   if (style.box.hidden) return;
   if (name == "img") {
     text_.Add(FromUtf8(AttributeOf(element, "alt")), style.inherited);
@@ -131,7 +123,7 @@ void BlockReader::AddRule(const Inherited& inherited) {
 
 void BlockReader::ReadTable(const xmlNode& element, const ElementStyle& style) {
   EndParagraph();
-  TableReader reader(sheet_);
+  TableReader reader(page_);
   std::vector<Block> before = reader.Read(element, style);
   for (Block& block : before) blocks_.push_back(std::move(block));
   Table table = reader.Take();
@@ -163,7 +155,7 @@ void BlockReader::AddParagraph(Paragraph paragraph) {
     CharacterStyle style = paragraph.runs.empty() ? paragraph.mark : paragraph.runs.front().style;
     paragraph.style.hanging = std::min(kHanging, paragraph.style.indent);
     paragraph.runs.insert(paragraph.runs.begin(),
-                          {std::exchange(marker_, {}), std::move(style), std::string()});
+                          {std::exchange(marker_, {}), std::move(style), nullptr});
   }
   paragraph.style.before = blocks_.empty() && !margin_is_own_ ? 0 : margin_;
   margin_ = 0;

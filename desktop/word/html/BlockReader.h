@@ -8,9 +8,16 @@
 
 namespace kestrelon::desktop::word::html {
 
+// What the readers of one page share.
+struct Page {
+  StyleSheet sheet;
+  // A few letters can make any number of cells, where others hang down from above.
+  size_t cells_left = 1'000'000;
+};
+
 class BlockReader {
  public:
-  explicit BlockReader(const StyleSheet& sheet) : sheet_(sheet) {}
+  explicit BlockReader(Page& page) : page_(page) {}
 
   // What stands in the element, whose own style `style` is.
   void ReadContent(const xmlNode& element, const ElementStyle& style);
@@ -38,7 +45,7 @@ class BlockReader {
   void EndParagraph();
   void AddParagraph(Paragraph paragraph);
 
-  const StyleSheet& sheet_;
+  Page& page_;
   std::vector<Block> blocks_;
   InlineText text_;
   Inherited block_;      // the style of the block around

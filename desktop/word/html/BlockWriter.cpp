@@ -5,12 +5,14 @@
 #include <cstdio>
 #include <utility>
 
+#include "automation/AutomationError.h"
 #include "desktop/word/xml/XmlText.h"
 
 namespace kestrelon::desktop::word::html {
 namespace {
 
 constexpr int32_t kNarrowest = 60;
+constexpr size_t kMostMarkup = size_t{128} << 20;
 
 std::string Number(int32_t number) { return std::to_string(number); }
 
@@ -61,18 +63,23 @@ void BlockWriter::Write(const std::vector<Block>& blocks) {
 }
 
 void BlockWriter::WriteParagraph(const Paragraph& paragraph) {
+  if (xml_.size() > kMostMarkup) {
+    throw AutomationError(4198,
+                          u"Command failed: the file is too large to be inserted into a document. "
+                          u"Divide it into several files.");
+  }
   Open("p");
   WriteParagraphStyle(paragraph);
-  std::string link;
+  Link link;
   for (const Run& run : paragraph.runs) {
     if (run.link != link) {
-      if (!link.empty()) Close("fldSimple");
+      if (link != nullptr) Close("fldSimple");
       link = run.link;
-      if (!link.empty()) WriteLinkStart(link);
+      if (link != nullptr) WriteLinkStart(*link);
     }
     WriteRun(run);
   }
-  if (!link.empty()) Close("fldSimple");
+  if (link != nullptr) Close("fldSimple");
   Close("p");
 }
 

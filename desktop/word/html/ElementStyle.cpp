@@ -164,7 +164,7 @@ class StyleBuilder {
     const bool is_known =
         scheme == "http:" || scheme == "https:" || scheme == "mailto:" || scheme == "ftp:";
     if (!is_known || target.size() > kLongestLink) return;
-    style_.inherited.link = target;
+    style_.inherited.link = std::make_shared<const std::string>(target);
     text_.color = 0x0000FF;
     text_.underline = true;
   }

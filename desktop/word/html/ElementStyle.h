@@ -16,7 +16,7 @@ struct Inherited {
   VerticalAlign vertical = VerticalAlign::kMiddle;  // of cells
   std::optional<Color> block_background;
   std::string list_style;
-  std::string link;
+  Link link;
 };
 
 // What is the element's alone.

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -33,11 +34,14 @@ struct CharacterStyle {
   friend bool operator==(const CharacterStyle&, const CharacterStyle&) = default;
 };
 
+// The address of a link; null for none. Shared, because a link may hold any number of runs.
+using Link = std::shared_ptr<const std::string>;
+
 // Text of one look. Line breaks are "\v".
 struct Run {
   String text;
   CharacterStyle style;
-  std::string link;  // "" for none
+  Link link;
 };
 
 struct ParagraphStyle {

@@ -34,7 +34,7 @@ void CollectRules(const xmlNode& node, StyleSheet& sheet) {
   for (const xmlNode* child = node.children; child != nullptr; child = child->next) {
     if (NameOf(*child) == "style") {
       for (const xmlNode* text = child->children; text != nullptr; text = text->next) {
-        if (text->content != nullptr) sheet.Add(reinterpret_cast<const char*>(text->content));
+        if (IsText(*text)) sheet.Add(TextOf(*text));
       }
     } else if (child->type == XML_ELEMENT_NODE) {
       CollectRules(*child, sheet);
@@ -85,10 +85,10 @@ Format FormatOf(const fs::path& path, std::string_view bytes) {
 BlockSource BlocksOfHtml(std::string_view bytes) {
   const HtmlMarkup tree = ParseHtml(bytes, u"The HTML file");
   const xmlNode& root = *xmlDocGetRootElement(tree.get());
-  StyleSheet sheet;
-  CollectRules(root, sheet);
-  BlockReader reader(sheet);
-  reader.ReadContent(root, StyleOf(root, Inherited(), sheet));
+  Page page;
+  CollectRules(root, page.sheet);
+  BlockReader reader(page);
+  reader.ReadContent(root, StyleOf(root, Inherited(), page.sheet));
   return SourceOf(reader.Take(/*is_cell=*/false));
 }
 
@@ -97,7 +97,7 @@ BlockSource BlocksOfText(std::string_view bytes) {
   std::vector<Block> blocks;
   for (const String& line : Split(text, u"\n")) {
     Paragraph paragraph;
-    if (!line.empty()) paragraph.runs.push_back({line, {}, {}});
+    if (!line.empty()) paragraph.runs.push_back({line, {}, nullptr});
     blocks.emplace_back(std::move(paragraph));
   }
   // The end of the last line begins no other.

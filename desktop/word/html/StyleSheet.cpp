@@ -2,10 +2,13 @@
 
 #include <algorithm>
 
+#include "automation/AutomationError.h"
 #include "desktop/word/html/CssValue.h"
 
 namespace kestrelon::desktop::word::html {
 namespace {
+
+constexpr size_t kMostRules = 10'000;
 
 std::string_view View(const xmlChar* text) {
   return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
@@ -75,6 +78,12 @@ bool HasAttribute(const xmlNode& element, const char* name) {
   return FindAttribute(element, name) != nullptr;
 }
 
+bool IsText(const xmlNode& node) {
+  return node.type == XML_TEXT_NODE || node.type == XML_CDATA_SECTION_NODE;
+}
+
+std::string_view TextOf(const xmlNode& node) { return View(node.content); }
+
 std::string_view NameOf(const xmlNode& node) {
   return node.type == XML_ELEMENT_NODE ? View(node.name) : std::string_view();
 }
@@ -111,6 +120,11 @@ void StyleSheet::AddRule(std::string_view selector,
     rule.selector.insert(rule.selector.begin(), std::move(simple));
   }
   if (rule.selector.empty()) return;
+  if (rules_.size() == kMostRules) {
+    throw AutomationError(4198,
+                          u"Command failed: the HTML file has more than 10,000 style rules. "
+                          u"Leave those out that its text does not need.");
+  }
   const Simple& own = rule.selector.front();
   const std::string key = !own.id.empty()        ? "#" + own.id
                           : !own.classes.empty() ? "." + own.classes.front()

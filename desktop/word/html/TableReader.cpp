@@ -22,8 +22,6 @@ size_t CountOf(const xmlNode& element, const char* attribute, size_t most) {
   return std::min(count, most);
 }
 
-bool IsBlank(std::string_view text) { return TrimBlanks(text).empty(); }
-
 [[noreturn]] void RefuseColumns(size_t columns) {
   throw AutomationError(4198, u"Command failed: a table of the HTML file has " +
                                   FromUtf8(std::to_string(columns)) +
@@ -75,8 +73,10 @@ void TableReader::ReadRows(const xmlNode& parent, const RowStyle& around) {
     const std::string_view name = NameOf(*child);
     if (name == "tr") {
       ReadRow(*child, around);
+    } else if (name == "form") {
+      ReadRows(*child, around);
     } else if (name == "thead" || name == "tbody" || name == "tfoot") {
-      const ElementStyle style = StyleOf(*child, around.inherited, sheet_);
+      const ElementStyle style = StyleOf(*child, around.inherited, page_.sheet);
       if (style.box.hidden) continue;
       RowStyle section = {style.inherited, style.box.background, name == "thead", name == "tfoot"};
       if (!section.background) section.background = around.background;
@@ -100,15 +100,15 @@ void TableReader::ReadColumns(const xmlNode& element, const Inherited& inherited
     ReadColumns(*child, inherited);
   }
   if (has_columns) return;
-  const Length width = StyleOf(element, inherited, sheet_).box.width;
+  const Length width = StyleOf(element, inherited, page_.sheet).box.width;
   const size_t count = CountOf(element, "span", kWidestLayout);
   const size_t total = std::min(column_widths_.size() + count, kWidestLayout);
   column_widths_.resize(total, width);
 }
 
 void TableReader::ReadStray(const xmlNode& node, const Inherited& inherited) {
-  const bool is_text = node.type == XML_TEXT_NODE || node.type == XML_CDATA_SECTION_NODE;
-  if (is_text && IsBlank(reinterpret_cast<const char*>(node.content))) return;
+  const bool is_text = IsText(node);
+  if (is_text && TrimBlanks(TextOf(node)).empty()) return;
   if (is_text || node.type == XML_ELEMENT_NODE) stray_.ReadStray(node, inherited);
 }
 
@@ -116,7 +116,7 @@ void TableReader::ReadStray(const xmlNode& node, const Inherited& inherited) {
 void TableReader::ReadRow(const xmlNode& element, const RowStyle& around) {
   const bool is_row = NameOf(element) == "tr";
   const ElementStyle style =
-      is_row ? StyleOf(element, around.inherited, sheet_) : ElementStyle{around.inherited, {}};
+      is_row ? StyleOf(element, around.inherited, page_.sheet) : ElementStyle{around.inherited, {}};
   if (style.box.hidden) return;
   row_ = {around.is_header, style.box.height, {}};
   column_ = 0;
@@ -138,7 +138,7 @@ void TableReader::ReadRow(const xmlNode& element, const RowStyle& around) {
 }
 
 void TableReader::AddCell(const xmlNode& element, const ElementStyle& row, const RowStyle& around) {
-  const ElementStyle style = StyleOf(element, row.inherited, sheet_);
+  const ElementStyle style = StyleOf(element, row.inherited, page_.sheet);
   if (style.box.hidden) return;
   ContinueCells(NextFreeColumn());
   const Box& box = style.box;
@@ -179,10 +179,20 @@ void TableReader::AddCell(const xmlNode& element, const ElementStyle& row, const
     below.blocks.emplace_back(empty);
   }
   column_ = end;
-  BlockReader content(sheet_);
+  BlockReader content(page_);
   content.ReadContent(element, style);
   cell.blocks = content.Take(/*is_cell=*/true);
   if (cell.blocks.empty()) cell.blocks.emplace_back(std::move(empty));
+  AppendCell(std::move(cell));
+}
+
+void TableReader::AppendCell(Cell cell) {
+  if (page_.cells_left == 0) {
+    throw AutomationError(4198,
+                          u"Command failed: the HTML file has more than a million table cells. "
+                          u"Divide it into several files.");
+  }
+  --page_.cells_left;
   row_.cells.push_back(std::move(cell));
 }
 
@@ -206,7 +216,7 @@ void TableReader::ContinueCells(size_t until) {
       cell.blocks.emplace_back(Paragraph());
     }
     column_ = cell.column + cell.columns;
-    row_.cells.push_back(std::move(cell));
+    AppendCell(std::move(cell));
   }
 }
 

@@ -10,10 +10,11 @@ namespace kestrelon::desktop::word::html {
 
 class TableReader {
  public:
-  explicit TableReader(const StyleSheet& sheet) : sheet_(sheet), stray_(sheet) {}
+  explicit TableReader(Page& page) : page_(page), stray_(page) {}
 
   // Returns what stands in the table, but in none of its cells: the caption and stray text, which
-  // go before it. Error 4198 for a table of more than 63 columns.
+  // go before it. Error 4198 for a table of more than 63 columns, and for too
+  // many cells.
   std::vector<Block> Read(const xmlNode& element, const ElementStyle& style);
   Table Take() { return std::move(table_); }
 
@@ -34,6 +35,7 @@ class TableReader {
   void ReadStray(const xmlNode& node, const Inherited& inherited);
   size_t NextFreeColumn();
   void ContinueCells(size_t until);
+  void AppendCell(Cell cell);
   void EndRow();
   void DropUnusedColumns();
 
@@ -43,7 +45,7 @@ class TableReader {
     Cell cell;  // its empty lower part
   };
 
-  const StyleSheet& sheet_;
+  Page& page_;
   BlockReader stray_;
   Table table_;
   std::vector<Row> footer_;
