@@ -153,6 +153,21 @@ String FromUtf8(std::string_view text) {
   return out;
 }
 
+String FromUtf8WithAnsi(std::string_view text) {
+  String out;
+  for (size_t at = 0; at < text.size();) {
+    const size_t start = at;
+    const char32_t code = NextUtf8(text, at);
+    const bool is_malformed = code == kReplacement && at == start + 1;
+    if (is_malformed) {
+      out += FromAnsi(text.substr(start, 1));
+    } else {
+      AppendUtf16(out, code);
+    }
+  }
+  return out;
+}
+
 int AnsiCode(char16_t character) {
   if (character < 0x80 || (character >= 0xA0 && character <= 0xFF)) return character;
   const auto found = std::find(kAnsiHigh.begin(), kAnsiHigh.end(), character);

@@ -19,6 +19,8 @@ String FromUtf8(std::string_view text);
 // become "?"; the five undefined bytes map to the C1 controls of the same number.
 std::string ToAnsi(StringView text);
 String FromAnsi(std::string_view text);
+// UTF-8 that ANSI text was put into: a byte of no well-formed sequence is an ANSI one.
+String FromUtf8WithAnsi(std::string_view text);
 // ANSI code of one character (0..255); 63, the code of "?", when it has none.
 int AnsiCode(char16_t character);
 

@@ -76,7 +76,9 @@ std::string PrepareHtml(std::string_view html) {
   auto [prepared, charset] = ReadMetaTags(html);
   const bool is_utf8 = charset.empty() || charset == "utf-8" || charset == "utf8";
   if (!is_utf8) return DefaultStyle() + prepared;
-  if (ToUtf8(FromUtf8(prepared)) != prepared) prepared = ToUtf8(FromAnsi(prepared));
+  if (ToUtf8(FromUtf8(prepared)) != prepared) {
+    prepared = ToUtf8(charset.empty() ? FromAnsi(prepared) : FromUtf8WithAnsi(prepared));
+  }
   return std::string(kUtf8Mark) + DefaultStyle() + prepared;
 }
 

@@ -2,6 +2,10 @@
 
 #include <libxml/HTMLparser.h>
 
+#include <cstring>
+#include <optional>
+#include <string>
+
 #include "automation/AutomationError.h"
 
 namespace kestrelon::desktop {
@@ -11,32 +15,49 @@ struct FreeContext {
   void operator()(htmlParserCtxtPtr context) const { htmlFreeParserCtxt(context); }
 };
 
-bool DeclaresEncoding(std::string_view bytes) {
+// The character set that a page says it has, in lower case; "" for none.
+std::string DeclaredCharset(std::string_view bytes) {
   constexpr size_t kHeadLength = 1024;  // a declaration stands in the first KiB
-  if (bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE")) return true;
-  const String head = LowerCase(FromAnsi(bytes.substr(0, kHeadLength)));
-  return head.find(u"charset") != String::npos;
+  const std::string head = ToUtf8(LowerCase(FromAnsi(bytes.substr(0, kHeadLength))));
+  const size_t word = head.find("charset");
+  if (word == std::string::npos) return {};
+  const size_t start = head.find_first_not_of("= \t\r\n\"'", word + std::strlen("charset"));
+  if (start == std::string::npos) return {};
+  return head.substr(start, head.find_first_of(" \t\r\n\"'/;>", start) - start);
 }
 
-const char* GuessEncoding(std::string_view bytes) {
-  if (DeclaresEncoding(bytes)) return nullptr;
-  const bool is_utf8 = ToUtf8(FromUtf8(bytes)) == bytes;
-  return is_utf8 ? "UTF-8" : "windows-1252";
+// The page in UTF-8; nothing where the parser is to find out itself. The parser would end a page at
+// a byte that has no place in its character set: scripts put ANSI values into pages of any.
+std::optional<std::string> PageAsUtf8(std::string_view bytes) {
+  if (bytes.starts_with("\xFE\xFF") || bytes.starts_with("\xFF\xFE")) return std::nullopt;
+  const std::string charset = DeclaredCharset(bytes);
+  const bool is_utf8 = charset == "utf-8" || charset == "utf8";
+  const bool is_ansi = charset == "windows-1252" || charset == "iso-8859-1";
+  if (is_ansi) return ToUtf8(FromAnsi(bytes));
+  if (!is_utf8 && !charset.empty()) return std::nullopt;
+  if (ToUtf8(FromUtf8(bytes)) == bytes) return std::string(bytes);
+  return ToUtf8(is_utf8 ? FromUtf8WithAnsi(bytes) : FromAnsi(bytes));
 }
 
 }  // namespace
 
 HtmlMarkup ParseHtml(std::string_view bytes, StringView what) {
   constexpr size_t kLargestInput = size_t{1} << 30;
-  if (bytes.size() > kLargestInput) {
+  const auto require_size = [&](std::string_view input) {
+    if (input.size() <= kLargestInput) return;
     throw AutomationError(kInvalidProcedureCall, String(what) + u" is larger than 1 GiB");
-  }
+  };
+  require_size(bytes);
+  const std::optional<std::string> utf8 = PageAsUtf8(bytes);
+  const std::string_view input = utf8 ? std::string_view(*utf8) : bytes;
+  require_size(input);
   const std::unique_ptr<xmlParserCtxt, FreeContext> context(htmlNewParserCtxt());
   if (!context) throw AutomationError(kOutOfMemory);
-  HtmlMarkup tree(htmlCtxtReadMemory(context.get(), bytes.data(), static_cast<int>(bytes.size()),
-                                     nullptr, GuessEncoding(bytes),
-                                     HTML_PARSE_RECOVER | HTML_PARSE_NOERROR |
-                                         HTML_PARSE_NOWARNING | HTML_PARSE_NONET),
+  const int options =
+      HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET;
+  HtmlMarkup tree(htmlCtxtReadMemory(context.get(), input.data(), static_cast<int>(input.size()),
+                                     nullptr, utf8 ? "UTF-8" : nullptr,
+                                     utf8 ? options | HTML_PARSE_IGNORE_ENC : options),
                   xmlFreeDoc);
   const bool was_stopped = context->disableSAX != 0;
   if (was_stopped) {
