@@ -38,6 +38,24 @@ String TextToHtml(String text) {
   return text;
 }
 
+String EncodeBeyondAnsi(String html) {
+  const auto is_beyond = [](char16_t unit) { return unit != u'?' && AnsiCode(unit) == u'?'; };
+  if (std::none_of(html.begin(), html.end(), is_beyond)) return html;
+  String encoded;
+  for (size_t i = 0; i < html.size(); ++i) {
+    if (!is_beyond(html[i])) {
+      encoded += html[i];
+      continue;
+    }
+    int32_t code = html[i];
+    const bool is_pair =
+        (code & 0xFC00) == 0xD800 && i + 1 < html.size() && (html[i + 1] & 0xFC00) == 0xDC00;
+    if (is_pair) code = 0x10000 + ((code & 0x3FF) << 10) + (html[++i] & 0x3FF);
+    encoded += u"&#" + Value(code).ToText() + u";";
+  }
+  return encoded;
+}
+
 String GetFolderFromPath(StringView path) {
   return Left(path, static_cast<int64_t>(LastSeparator(path)) - 1);
 }

@@ -9,6 +9,9 @@ namespace kestrelon {
 // them. A single pass, so a CR LF is one break and three line feeds are two.
 String TextToHtml(String text);
 
+// HTML that is to become ANSI text: characters beyond that become numeric character references.
+String EncodeBeyondAnsi(String html);
+
 // What stands before the last "/" or "\\", and behind it. A path without either has no folder,
 // which is error 5, and is all name.
 String GetFolderFromPath(StringView path);

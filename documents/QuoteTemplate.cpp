@@ -218,7 +218,7 @@ void ExpandQuoteTemplate(ControlContext& context, const String& path, const Obje
   String output = sections.head;
   AppendLines(sections, xmlDoc, lines, count, output);
   output.append(sections.tail);
-  RewriteTextFile(context, path, std::move(output));
+  RewriteTextFile(context, path, EncodeBeyondAnsi(std::move(output)));
 }
 
 String GetQuoteRowValue(int16_t line, const Object& xmlDoc, const String& field_name,

@@ -7,6 +7,7 @@
 #include "Control/FileAccess.h"
 #include "Control/LocaleAndEnvironment.h"
 #include "Control/OfficeConnection.h"
+#include "documents/QuoteServices.h"
 #include "outlook/Mails.h"
 #include "outlook/OutlookConstants.h"
 
@@ -74,7 +75,7 @@ Object MakeHtmlFile(ControlContext& context, const String& folder, const String&
 
 void WriteHtml(const Object& file, const String& html) {
   const Object stream = file.CallChild(u"OpenAsTextStream", kForWriting);
-  stream.Call(u"WriteLine", html);
+  stream.Call(u"WriteLine", EncodeBeyondAnsi(html));
   stream.Call(u"Close");
 }
 

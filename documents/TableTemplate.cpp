@@ -49,7 +49,7 @@ String FetchTemplateFile(ControlContext& context, const String& path) {
   request.Call(u"setRequestHeader", u"Translate:", u"f");
   request.Call(u"send");
   const String local_path = GetTheTempPath(context) + GetFileNameFromPath(path);
-  WriteTextFile(context, local_path, request.Get(u"responseText").ToText());
+  WriteTextFile(context, local_path, EncodeBeyondAnsi(request.Get(u"responseText").ToText()));
   return local_path;
 }
 

@@ -115,7 +115,12 @@ TEST_F(QuoteTemplate, QuotesThatCannotBeUsedLeaveTheTemplate) {
   std::string lines;
   for (int i = 0; i < 32768; ++i) lines += "<l/>";
   EXPECT_EQ(Expand(kRowPattern, Quote(lines)), "error 6");
-  EXPECT_EQ(Expand(kRowPattern, Quote("<l product='\xD0\x96'/>")), "error 5") << "no ANSI text";
+}
+
+TEST_F(QuoteTemplate, KeepsValuesBeyondAnsi) {
+  EXPECT_NE(Expand(kRowPattern, Quote("<l product='\xD0\x96? \xF0\x9F\x98\x80\xC3\xA4'/>"))
+                .find("&#1046;? &#128512;\xE4"),
+            std::string::npos);
 }
 
 TEST_F(QuoteTemplate, FindsTheValueOfALineByNameThenByTag) {
