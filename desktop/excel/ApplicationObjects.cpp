@@ -14,7 +14,7 @@ constexpr int32_t kTemplateOfOneSheet = -4167;
 fs::path PathArgument(const MethodArguments& arguments, size_t index) {
   const String text = arguments.Require(index).ToText();
   if (text.empty()) throw ExcelError(u"The file name is empty. Give the path of the file.");
-  return fs::absolute(PathFromText(text)).lexically_normal();
+  return AbsolutePath(PathFromText(text)).lexically_normal();
 }
 
 }  // namespace

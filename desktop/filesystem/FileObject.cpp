@@ -49,7 +49,7 @@ void RenameFile(const fs::path& from, const fs::path& to) {
 
 Object OpenFileObject(const fs::path& path) {
   StatusOf(path);
-  return Object(std::make_shared<FileObject>(fs::absolute(path).lexically_normal()));
+  return Object(std::make_shared<FileObject>(AbsolutePath(path).lexically_normal()));
 }
 
 void DeleteOneFile(const fs::path& path, bool force) {

@@ -31,7 +31,7 @@ std::vector<fs::path> ListFolder(const fs::path& folder, EntryKind kind) {
 Object OpenFolderObject(const fs::path& path) {
   std::error_code ignored;
   if (!fs::is_directory(path, ignored)) throw AutomationError(kPathNotFound);
-  fs::path absolute = fs::absolute(path).lexically_normal();
+  fs::path absolute = AbsolutePath(path).lexically_normal();
   // "/a/b/" is the folder "b".
   if (!absolute.has_filename() && absolute.has_relative_path()) absolute = absolute.parent_path();
   return Object(std::make_shared<FolderObject>(std::move(absolute)));

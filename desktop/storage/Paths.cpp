@@ -17,4 +17,11 @@ std::filesystem::path PathFromText(StringView text) {
 
 String TextFromPath(const std::filesystem::path& path) { return FromUtf8(path.native()); }
 
+std::filesystem::path AbsolutePath(const std::filesystem::path& path) {
+  std::error_code error;
+  std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  if (error) throw AutomationError(kPathNotFound);
+  return absolute;
+}
+
 }  // namespace kestrelon::desktop

@@ -11,4 +11,8 @@ namespace kestrelon::desktop {
 std::filesystem::path PathFromText(StringView text);
 String TextFromPath(const std::filesystem::path& path);
 
+// `path`, which is not empty, from the root on. Error 76 for a relative one when the current folder
+// is gone.
+std::filesystem::path AbsolutePath(const std::filesystem::path& path);
+
 }  // namespace kestrelon::desktop

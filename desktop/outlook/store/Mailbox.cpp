@@ -23,7 +23,7 @@ fs::path FromEnvironment(const char* name) {
 
 fs::path MailboxFolder() {
   const fs::path chosen = FromEnvironment("KESTRELON_MAILBOX");
-  if (!chosen.empty()) return fs::absolute(chosen);
+  if (!chosen.empty()) return AbsolutePath(chosen);
   fs::path data = FromEnvironment("XDG_DATA_HOME");
   if (!data.is_absolute()) {
     const fs::path home = FromEnvironment("HOME");

@@ -34,7 +34,7 @@ constexpr size_t kWritePassword = 5;
 fs::path PathArgument(const MethodArguments& arguments, size_t index) {
   const String text = arguments.Require(index).ToText();
   if (text.empty()) throw BadParameter(u"the file name is empty.");
-  return fs::absolute(PathFromText(text)).lexically_normal();
+  return AbsolutePath(PathFromText(text)).lexically_normal();
 }
 
 bool AsksToSave(const MethodArguments& arguments) {

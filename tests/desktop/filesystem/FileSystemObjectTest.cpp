@@ -185,6 +185,16 @@ TEST_F(FileSystemObjectTest, ListsAFolderByName) {
   EXPECT_EQ(NumberOf([&] { folder.GetChild(u"Files", u"d.txt"); }), kFileNotFound);
 }
 
+TEST_F(FileSystemObjectTest, RelativePathsFailLikeOthersWhenTheCurrentFolderIsGone) {
+  const fs::path before = fs::current_path();
+  fs::create_directory(RealPath("gone"));
+  fs::current_path(RealPath("gone"));
+  fs::remove(RealPath("gone"));
+  const int32_t number = NumberOf([&] { files_.Call(u"GetFolder", u"."); });
+  fs::current_path(before);
+  EXPECT_EQ(number, kPathNotFound);
+}
+
 TEST_F(FileSystemObjectTest, TakesPathsApart) {
   for (const auto& [path, name, base, extension, parent] :
        {std::tuple{u"C:\\a\\b.tar.gz", u"b.tar.gz", u"b.tar", u"gz", u"C:\\a"},
