@@ -8,6 +8,14 @@
 
 namespace kestrelon::desktop {
 namespace fs = std::filesystem;
+namespace {
+
+bool LeadsToNothing(const fs::directory_entry& entry) {
+  std::error_code ignored;
+  return entry.is_symlink(ignored) && entry.status(ignored).type() == fs::file_type::not_found;
+}
+
+}  // namespace
 
 std::vector<fs::path> ListFolder(const fs::path& folder, EntryKind kind) {
   std::error_code error;
@@ -17,6 +25,7 @@ std::vector<fs::path> ListFolder(const fs::path& folder, EntryKind kind) {
     std::error_code ignored;
     const bool is_folder = entry->is_directory(ignored);
     if (is_folder != (kind == EntryKind::kFolder)) continue;
+    if (LeadsToNothing(*entry)) continue;
     named.emplace_back(LowerCase(TextFromPath(entry->path().filename())), entry->path());
   }
   if (error == std::errc::no_such_file_or_directory) throw AutomationError(kPathNotFound);

@@ -10,8 +10,8 @@ namespace kestrelon::desktop {
 
 enum class EntryKind { kFile, kFolder };
 
-// The entries of one kind, by name without regard to case. Error 76 when the folder is missing, 70
-// when it may not be read.
+// The entries of one kind, by name without regard to case; links to nothing are none. Error
+// 76 when the folder is missing, 70 when it may not be read.
 std::vector<std::filesystem::path> ListFolder(const std::filesystem::path& folder, EntryKind kind);
 
 // Error 76 when there is no such folder.

@@ -174,13 +174,15 @@ TEST_F(FileSystemObjectTest, RenamesAFileButNeverOverAnother) {
 TEST_F(FileSystemObjectTest, ListsAFolderByName) {
   for (const auto* name : {"b.dot", "A.doc", "c.txt"}) Write(name, "");
   fs::create_directory(RealPath("sub"));
+  fs::create_symlink("none", RealPath("link to nothing"));
+  fs::create_symlink("sub", RealPath("z"));
   const Object folder = files_.CallChild(u"GetFolder", Path(u""));
   EXPECT_EQ(folder.Get(u"Name").ToText(), TextFromPath(folder_.path().filename()));
   String names;
   const auto walk = folder.GetChild(u"Files").Enumerate();
   while (const auto file = walk->Next()) names += file->ToObject().Get(u"Name").ToText() + u" ";
   EXPECT_EQ(names, u"A.doc b.dot c.txt ");
-  EXPECT_EQ(folder.GetChild(u"SubFolders").Get(u"Count").ToLong(), 1);
+  EXPECT_EQ(folder.GetChild(u"SubFolders").Get(u"Count").ToLong(), 2);
   EXPECT_EQ(folder.GetChild(u"Files", u"c.txt").Get(u"Name").ToText(), u"c.txt");
   EXPECT_EQ(NumberOf([&] { folder.GetChild(u"Files", u"d.txt"); }), kFileNotFound);
 }
