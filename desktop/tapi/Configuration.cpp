@@ -183,6 +183,9 @@ class ConfigurationReader final : public nlohmann::json_sax<Json> {
     if (!unknown.empty()) {
       Refuse(Quoted(unknown) + " is not known", "\"{number}\" and \"{parameters}\" are");
     }
+    if (word.find('\0') != word.npos) {
+      Refuse("a NUL character cannot stand in " + Quoted(keys_.back()), kDialerKeys);
+    }
     Command().push_back(word);
   }
 
@@ -218,6 +221,10 @@ Configuration ReadConfiguration() {
   std::string text;
   const auto unread =
       IgnoreFailures([&] { text = ReadWholeFile(configuration.file, kLargestFile); });
+  if (unread && unread->number() == kOutOfMemory) {
+    throw ConfigurationError(configuration.file.string(),
+                             "is longer than 1 MiB. Check KESTRELON_CONFIG, or shorten the file.");
+  }
   if (unread) {
     throw ConfigurationError(configuration.file.string(),
                              "cannot be read: " + ToUtf8(unread->description()) +

@@ -45,12 +45,15 @@ TEST_F(Telephony, BrokenFilesAreToldWithLineReasonAndRemedy) {
            {"{\"dialers\": {\"A\": {\n}}}", "line 2: the dialer \"A\" has no program"},
            {R"({"dialers": {"A": {"call": ["p", "{nummer}"]}}})", "\"{nummer}\" is not known"},
            {R"({"dialers": {"A": {"call": ["p"]}, "a": {}}})", "the dialer \"a\" is there twice"},
+           {R"({"dialers": {"A": {"call": ["p\u0000q"]}}})", "a NUL character cannot stand in"},
        }) {
     Configure(text);
     const auto error = FailureOf([] { CreateConfiguredDialer(u"A"); });
     EXPECT_THAT(error.what(), ::testing::AllOf(HasSubstr("/config.json, line "), HasSubstr(told)))
         << text;
   }
+  const ChangedEnvironment endless("KESTRELON_CONFIG", "/dev/zero");
+  EXPECT_THAT(FailureOf([] { CreateConfiguredDialer(u"A"); }).what(), HasSubstr("than 1 MiB"));
   const ChangedEnvironment folder("KESTRELON_CONFIG", "/");
   EXPECT_THAT(FailureOf([] { CreateConfiguredDialer(u"A"); }).what(), HasSubstr("cannot be read"));
 }
