@@ -27,14 +27,17 @@ bool IsAsciiLetter(char16_t unit) {
   return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
 }
 
-// "https://…", "mailto:…". One letter and a colon is a drive of another system.
-bool IsLink(StringView text) {
-  const size_t colon = text.find(u':');
-  if (colon == StringView::npos || colon < 2 || !IsAsciiLetter(text.front())) return false;
-  return std::all_of(text.begin(), text.begin() + static_cast<ptrdiff_t>(colon), [](char16_t unit) {
+// "https" of "https://…", in lower case; "" for what is no link. One letter and a colon is a drive
+// of another system.
+std::string SchemeOfLink(StringView text) {
+  const StringView scheme = text.substr(0, text.find(u':'));
+  if (scheme.size() == text.size() || scheme.size() < 2 || !IsAsciiLetter(scheme.front()))
+    return {};
+  const bool is_scheme = std::all_of(scheme.begin(), scheme.end(), [](char16_t unit) {
     return IsAsciiLetter(unit) || (unit >= u'0' && unit <= u'9') || unit == u'+' || unit == u'-' ||
            unit == u'.';
   });
+  return is_scheme ? ToUtf8(LowerCase(scheme)) : std::string();
 }
 
 ShellCode Open(const std::string& target) {
@@ -59,6 +62,12 @@ ShellCode OpenPath(const fs::path& path) {
   return desktop::HasProgramForFile(path) ? Open(path) : kNoAssociation;
 }
 
+ShellCode OpenLink(const std::string& link, const std::string& scheme) {
+  // Whom a file's own link goes to depends on the file, which the opener looks up.
+  const bool has_program = scheme == "file" || desktop::HasProgramForLinks(scheme);
+  return has_program ? Open(link) : kNoAssociation;
+}
+
 }  // namespace
 
 int32_t LinuxPlatform::ShellExecute(SystemHandle /*window*/, const String& /*operation*/,
@@ -69,7 +78,8 @@ int32_t LinuxPlatform::ShellExecute(SystemHandle /*window*/, const String& /*ope
   std::error_code error;
   const fs::path path = fs::absolute(desktop::PathFromText(file), error);
   // A file's own name may begin like a link ("notes:today.txt").
-  if (IsLink(file) && !fs::exists(path, error)) return Open(ToUtf8(file));
+  const std::string scheme = SchemeOfLink(file);
+  if (!scheme.empty() && !fs::exists(path, error)) return OpenLink(ToUtf8(file), scheme);
   return OpenPath(path);
 }
 

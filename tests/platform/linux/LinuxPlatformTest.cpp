@@ -121,7 +121,8 @@ TEST_F(SystemServices, ShellAsksTheDesktopsOwnOpenerOnlyForTypesWithAProgram) {
   std::filesystem::create_directory(files / "applications");
   files.Write("applications/v.desktop",
               "[Desktop Entry]\nType=Application\nName=V\nExec=/bin/sh\n");
-  files.Write("applications/mimeapps.list", "[Default Applications]\ntext/plain=v.desktop\n");
+  files.Write("applications/mimeapps.list",
+              "[Default Applications]\ntext/plain=v.desktop\nx-scheme-handler/https=v.desktop\n");
   const ChangedEnvironment none("KESTRELON_OPENER", "");
   const ChangedEnvironment display("DISPLAY", ":7");
   const ChangedEnvironment path("PATH", here);
@@ -130,6 +131,11 @@ TEST_F(SystemServices, ShellAsksTheDesktopsOwnOpenerOnlyForTypesWithAProgram) {
   const ChangedEnvironment system("XDG_DATA_DIRS", here + "/none");
   EXPECT_GT(Open(here + "/a.words"), 32);
   EXPECT_EQ(opener.Next(), here + "/a.words");
+  for (const std::string link : {"HTTPS://h/", "file:///x"}) {
+    EXPECT_GT(Open(link), 32);
+    EXPECT_EQ(opener.Next(), link);
+  }
+  EXPECT_EQ(Open("nobodys:x"), 31);
   EXPECT_EQ(Open(files.Write("a.bits", std::string("\x01\x00\xFE", 3))), 31);
 }
 
