@@ -10,6 +10,7 @@ import argparse
 import html
 import http
 import http.server
+import os
 import pathlib
 import shutil
 import signal
@@ -75,7 +76,7 @@ class WebFolder(http.server.BaseHTTPRequestHandler):
 
     def local_path(self):
         """The file or folder that is asked for; None for one outside the root."""
-        asked = urllib.parse.unquote(urllib.parse.urlsplit(self.path).path)
+        asked = urllib.parse.unquote(urllib.parse.urlsplit(self.path).path, errors="surrogateescape")
         if "\0" in asked:
             return None
         path = (self.root / asked.lstrip("/")).resolve()
@@ -94,7 +95,9 @@ class WebFolder(http.server.BaseHTTPRequestHandler):
 
 
 def anchor(path, name):
-    return f'<A HREF="{urllib.parse.quote(path)}">{html.escape(name, quote=False)}</A>'
+    # A name that is no UTF-8 goes as its bytes.
+    address = urllib.parse.quote(os.fsencode(path))
+    return f'<A HREF="{address}">{html.escape(name, quote=False)}</A>'
 
 
 def main():
