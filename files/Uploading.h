@@ -7,7 +7,7 @@ namespace kestrelon {
 
 // Puts the text of a file into the web folder ImportDirectory, under the file's own name. True when
 // the server answered, whatever it did; False for an empty or unreadable file and where no answer
-// came.
+// came, or none that was whole.
 bool UploadFile(ControlContext& context, String& filePath, String& ImportDirectory);
 
 }  // namespace kestrelon
