@@ -53,6 +53,8 @@ bool HasDisplay() {
 // start through `report`, which a successful one closes.
 [[noreturn]] void BecomeProgram(const char* program, char* const* arguments, int report) {
   setsid();
+  // It may be one of those below, in a process that was started without them.
+  report = fcntl(report, F_DUPFD_CLOEXEC, 3);
   const int nothing = open("/dev/null", O_RDWR);
   for (int standard = 0; standard <= 2; ++standard) dup2(nothing, standard);
   close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
