@@ -54,6 +54,14 @@ TEST(HtmlSourceTest, PagesAreReadInTheCharacterSetThatTheyAreWrittenIn) {
       {"\uFEFFcaf\u00e9", "caf\u00e9"},
       {"<META Content=\"CharSet = UTF-8\">\xE9 \x80", "<META Content=\"CharSet = UTF-8\">é €"},
       {"<meta charset='latin2'/>\xE9", "<meta charset='latin2'/>\xE9"},
+      {"<meta charset=iso-8859-15>\xA4", "<meta charset=iso-8859-15>\xA4"},
+      {"a<meta charset=iso-8859-15>b \x80", "ab €"},
+      {"<meta charset=unicode>\x80", "€"},
+      {"\uFEFF<meta charset=latin2>\u00e9", "\u00e9"},
+      {"<meta name=x content=charset=latin2>\x80", "<meta name=x content=charset=latin2>€"},
+      {"a<meta http-equiv='Pragma' content=x>b<META HTTP-EQUIV = \"refresh\">c", "abc"},
+      {"<meta http-equiv=Content-Type content=text/html>",
+       "<meta http-equiv=Content-Type content=text/html>"},
       {"a<meta\nNAME = created content=x>b<meta name=\"changed\">c<meta", "abc<meta"}};
   for (const auto& [html, expected] : kCases) {
     EXPECT_TRUE(PrepareHtml(html).ends_with("</style>" + expected)) << PrepareHtml(html);
