@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "automation/Text.h"
+#include "desktop/converter/HtmlStyles.h"
 #include "desktop/locale/UserLocale.h"
 
 namespace kestrelon::desktop {
@@ -104,7 +105,7 @@ std::string PrepareHtml(std::string_view html) {
   if (is_utf16) return std::string(html);
   const bool is_marked = html.starts_with(kUtf8Mark);
   if (is_marked) html.remove_prefix(kUtf8Mark.size());
-  Page page = ReadMetaTags(html);
+  Page page = ReadMetaTags(SimplifyStyles(html));
   if (!is_marked && !IsUtf8OrAnsi(page)) return DefaultStyle() + page.html;
   if (page.charset != "" && page.charset != "utf-8") {
     // The office suite believes it more than the mark at the start.

@@ -2,6 +2,7 @@
 
 #include "desktop/converter/ConvertedFile.h"
 #include "desktop/converter/HtmlSource.h"
+#include "desktop/converter/HtmlStyles.h"
 
 namespace kestrelon::desktop {
 namespace {
@@ -65,6 +66,21 @@ TEST(HtmlSourceTest, PagesAreReadInTheCharacterSetThatTheyAreWrittenIn) {
       {"a<meta\nNAME = created content=x>b<meta name=\"changed\">c<meta", "abc<meta"}};
   for (const auto& [html, expected] : kCases) {
     EXPECT_TRUE(PrepareHtml(html).ends_with("</style>" + expected)) << PrepareHtml(html);
+  }
+}
+
+TEST(HtmlStylesTest, RulesAreWrittenAsTheOfficeSuiteTakesThem) {
+  const std::pair<std::string, std::string> kCases[] = {
+      {"<!-- /* a{} */ .a, .b{c:d} -->", ".a{c:d}\n.b{c:d}\n"},
+      {"TD.a,p.a,td p.a,td{x}", ".a{x}\np.a{x}\ntd p.a{x}\ntd{x}\n"},
+      {"@media Print{th.a{x}}@media screen{b{y}}i{z}", ".a{x}\ni{z}\n"},
+      {"@import url(a);@page{x}b{y}", "@import url(a);@page{x}b{y}\n"},
+      {"@media all{b{x", "b{x\n"},
+      {"}b{x}", "}\nb{x}\n"},
+      {"/*", ""}};
+  for (const auto& [styles, simple] : kCases) {
+    EXPECT_EQ(SimplifyStyles("a<STYLE x>" + styles + "</style>b<style"),
+              "a<STYLE x>" + simple + "</style>b<style");
   }
 }
 
