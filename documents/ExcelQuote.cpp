@@ -14,8 +14,9 @@ namespace {
 using Row = std::vector<String>;
 
 // Blanks and line breaks, the no-break space of an empty cell among them.
+constexpr StringView kWhiteSpace = u" \t\r\n\u00A0";
+
 String TrimCell(const String& text) {
-  constexpr StringView kWhiteSpace = u" \t\r\n\u00A0";
   const size_t first = text.find_first_not_of(kWhiteSpace);
   if (first == String::npos) return {};
   return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
@@ -57,10 +58,20 @@ class RowReader {
   std::vector<int32_t> rows_covered_;  // how many more rows the last cell of each column takes
 };
 
+// The name of a column as it is compared: how a page wraps its header is no part of it.
+String ColumnKey(const String& name) {
+  String key;
+  for (const char16_t unit : LowerCase(TrimCell(name))) {
+    const bool is_blank = kWhiteSpace.find(unit) != StringView::npos;
+    if (!is_blank || key.back() != u' ') key += is_blank ? u' ' : unit;
+  }
+  return key;
+}
+
 std::vector<String> NamedColumns(const String& columns) {
   std::vector<String> names;
   for (const String& name : Split(columns, u",")) {
-    if (!TrimCell(name).empty()) names.push_back(LowerCase(TrimCell(name)));
+    if (!TrimCell(name).empty()) names.push_back(ColumnKey(name));
   }
   return names;
 }
@@ -71,7 +82,7 @@ std::optional<std::vector<size_t>> FindColumns(const Row& header,
   std::vector<size_t> columns;
   for (const String& name : names) {
     const auto found = std::find_if(header.begin(), header.end(),
-                                    [&](const String& text) { return LowerCase(text) == name; });
+                                    [&](const String& text) { return ColumnKey(text) == name; });
     if (found == header.end()) return std::nullopt;
     columns.push_back(static_cast<size_t>(found - header.begin()));
   }
