@@ -51,11 +51,6 @@ std::string WithoutComments(std::string_view css) {
     css.remove_prefix(std::min(start, css.size()));
     TakeUpTo(css, "*/");
   }
-  for (const std::string_view mark : {"<!--", "-->"}) {
-    for (size_t at = plain.find(mark); at != std::string::npos; at = plain.find(mark)) {
-      plain.replace(at, mark.size(), " ");
-    }
-  }
   return plain;
 }
 
@@ -75,38 +70,55 @@ std::string_view ByClass(std::string_view selector) {
   return is_in_table ? selector.substr(dot) : selector;
 }
 
-std::string Simplify(std::string_view plain);
-
-// Rules for paper count as if they stood alone; of those for other media, the office suite would
-// lose the rule that follows.
-std::string SimplifyAtRule(std::string_view rule) {
+// What stands in the rule if it holds rules for paper. Of those for other media nothing is left:
+// the office suite would lose the rule that follows.
+std::string_view RulesForPaper(std::string_view rule) {
   const size_t opening = rule.find('{');
-  const bool holds_rules =
-      opening != std::string_view::npos && rule.find('{', opening + 1) != std::string_view::npos;
-  if (!holds_rules) return std::string(rule);
   const String condition = LowerCase(FromUtf8(rule.substr(0, opening)));
   const bool is_for_paper =
       condition.starts_with(u"@media") &&
       (condition.find(u"print") != String::npos || condition.find(u"all") != String::npos);
   if (!is_for_paper) return {};
-  return Simplify(rule.substr(opening + 1, rule.rfind('}') - opening - 1));
+  return rule.substr(opening + 1, rule.rfind('}') - opening - 1);
+}
+
+bool HoldsRules(std::string_view at_rule) {
+  const size_t opening = at_rule.find('{');
+  return opening != std::string_view::npos &&
+         at_rule.find('{', opening + 1) != std::string_view::npos;
+}
+
+void AppendRule(std::string_view rule, std::string& simple) {
+  const size_t opening = std::min(rule.find('{'), rule.size());
+  std::string_view selectors = rule.substr(0, opening);
+  while (!selectors.empty()) {
+    std::string_view selector = TakeUpTo(selectors, ",");
+    if (selector.ends_with(',')) selector.remove_suffix(1);
+    simple.append(ByClass(Trimmed(selector))).append(rule.substr(opening)).append("\n");
+  }
 }
 
 std::string Simplify(std::string_view plain) {
   std::string simple;
   for (std::string_view css = Trimmed(plain); !css.empty(); css = Trimmed(css)) {
-    if (css.front() == '@') {
-      simple += SimplifyAtRule(TakeAtRule(css));
+    if (css.starts_with("<!--") || css.starts_with("-->")) {
+      TakeUpTo(css, "--");
+      css.remove_prefix(css.starts_with('>') ? 1 : 0);
       continue;
     }
-    std::string_view declarations = TakeUpTo(css, "}");
-    const size_t opening = std::min(declarations.find('{'), declarations.size());
-    std::string_view selectors = declarations.substr(0, opening);
-    declarations.remove_prefix(opening);
-    while (!selectors.empty()) {
-      std::string_view selector = TakeUpTo(selectors, ",");
-      if (selector.ends_with(',')) selector.remove_suffix(1);
-      simple.append(ByClass(Trimmed(selector))).append(declarations).append("\n");
+    if (css.front() != '@') {
+      AppendRule(TakeUpTo(css, "}"), simple);
+      continue;
+    }
+    const std::string_view rule = TakeAtRule(css);
+    if (!HoldsRules(rule)) {
+      simple += rule;
+      continue;
+    }
+    std::string_view inner = Trimmed(RulesForPaper(rule));
+    // One level is what pages have.
+    for (; !inner.empty() && inner.front() != '@'; inner = Trimmed(inner)) {
+      AppendRule(TakeUpTo(inner, "}"), simple);
     }
   }
   return simple;
