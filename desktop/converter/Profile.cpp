@@ -40,6 +40,13 @@ constexpr char kHiddenFormulaBar[] =
     "oor:op=\"replace\"><prop oor:name=\"Visible\" oor:op=\"fuse\"><value>false</value></prop>"
     "</node></item>\n";
 
+// Pages are loaded for paper. The view for screens, the usual one for them, lays them out anew with
+// each page of paper that is done: a report of a hundred pages took minutes.
+constexpr char kPagesForPaper[] =
+    "<item oor:path=\"/org.openoffice.TypeDetection.Types/Types/org.openoffice.TypeDetection.Types:"
+    "Type['generic_HTML']\"><prop oor:name=\"PreferredFilter\" oor:op=\"fuse\"><value>"
+    "HTML (StarWriter)</value></prop></item>\n";
+
 std::string Registry() {
   std::string registry =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -49,7 +56,7 @@ std::string Registry() {
                 "\"><prop oor:name=\"" + setting.name + "\" oor:op=\"fuse\"><value>" +
                 setting.value + "</value></prop></item>\n";
   }
-  return registry + kHiddenFormulaBar + "</oor:items>\n";
+  return registry + kHiddenFormulaBar + kPagesForPaper + "</oor:items>\n";
 }
 
 void LinkIfPresent(const fs::path& target, const fs::path& link) {
