@@ -5,11 +5,10 @@
 
 #include <memory>
 #include <utility>
-#include <vector>
 
 #include "desktop/excel/ExcelErrors.h"
 #include "desktop/excel/Session.h"
-#include "desktop/server/ServerObject.h"
+#include "desktop/server/Collection.h"
 
 namespace kestrelon::desktop::excel {
 
@@ -56,49 +55,27 @@ class ExcelObject : public ServerObject<Server> {
   Owner owner_;
 };
 
-template <class Server, typename... Args>
-Value MakeObject(Args&&... args) {
-  return Value(DispatchPointer(std::make_shared<Server>(std::forward<Args>(args)...)));
-}
-
-// A collection counted from 1, whose elements have names. The server has `int32_t Size()`,
-// `Value At(int32_t)` and `String NameAt(int32_t)`.
+// A collection whose elements have names, which the server's `String NameAt(int32_t)` tells.
 template <class Server>
-class ExcelCollection : public ExcelObject<Server> {
+class ExcelCollection : public Collection<Server, ExcelObject<Server>> {
  public:
-  using ExcelObject<Server>::ExcelObject;
+  using Collection<Server, ExcelObject<Server>>::Collection;
 
-  std::unique_ptr<Enumerator> Enumerate() override {
-    this->owner().RequireUsable();
-    std::vector<Value> items;
-    for (int32_t i = 1, size = self().Size(); i <= size; ++i) items.push_back(self().At(i));
-    return std::make_unique<VectorEnumerator>(std::move(items));
-  }
-  Value GetCount() { return self().Size(); }
   // By number or by name; error 9 for what is not there.
   Value Item(const MethodArguments& arguments) {
+    Server& server = this->self();
+    const int32_t size = server.Size();
     const Value& wanted = arguments.Require(0);
     if (!wanted.IsString()) {
       const int32_t index = wanted.ToLong();
-      if (index >= 1 && index <= self().Size()) return self().At(index);
+      if (index >= 1 && index <= size) return server.At(index);
       throw AutomationError(kSubscriptOutOfRange);
     }
-    for (int32_t i = 1, size = self().Size(); i <= size; ++i) {
-      if (EqualIgnoringCase(self().NameAt(i), wanted.AsString())) return self().At(i);
+    for (int32_t i = 1; i <= size; ++i) {
+      if (EqualIgnoringCase(server.NameAt(i), wanted.AsString())) return server.At(i);
     }
     throw AutomationError(kSubscriptOutOfRange);
   }
-
- protected:
-  static MemberTable<Server> CollectionMembers(StringView type_name) {
-    return MemberTable<Server>(type_name)
-        .Property(u"Count", &Server::GetCount)
-        .Method(u"Item", &Server::Item, {u"Index"})
-        .Method(u"", &Server::Item, {u"Index"});
-  }
-
- private:
-  Server& self() { return static_cast<Server&>(*this); }
 };
 
 }  // namespace kestrelon::desktop::excel

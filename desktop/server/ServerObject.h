@@ -164,4 +164,9 @@ class VectorEnumerator final : public Enumerator {
   size_t next_ = 0;
 };
 
+template <class Server, typename... Args>
+Value MakeObject(Args&&... args) {
+  return Value(DispatchPointer(std::make_shared<Server>(std::forward<Args>(args)...)));
+}
+
 }  // namespace kestrelon::desktop

@@ -4,9 +4,8 @@
 
 #include <memory>
 #include <utility>
-#include <vector>
 
-#include "desktop/server/ServerObject.h"
+#include "desktop/server/Collection.h"
 #include "desktop/word/objects/Session.h"
 #include "desktop/word/objects/WordErrors.h"
 
@@ -42,41 +41,16 @@ class WordObject : public ServerObject<Server> {
   Owner owner_;
 };
 
-template <class Server, typename... Args>
-Value MakeObject(Args&&... args) {
-  return Value(DispatchPointer(std::make_shared<Server>(std::forward<Args>(args)...)));
-}
-
-// A collection counted from 1. The server has `int32_t Size()` and `Value At(int32_t)`.
 template <class Server>
-class WordCollection : public WordObject<Server> {
+class WordCollection : public Collection<Server, WordObject<Server>> {
  public:
-  using WordObject<Server>::WordObject;
+  using Collection<Server, WordObject<Server>>::Collection;
 
-  std::unique_ptr<Enumerator> Enumerate() override {
-    this->owner().RequireUsable();
-    auto& server = static_cast<Server&>(*this);
-    std::vector<Value> items;
-    for (int32_t i = 1, size = server.Size(); i <= size; ++i) items.push_back(server.At(i));
-    return std::make_unique<VectorEnumerator>(std::move(items));
-  }
-
- protected:
-  static MemberTable<Server> CollectionMembers(StringView type_name) {
-    return MemberTable<Server>(type_name)
-        .Property(u"Count", &Server::GetCount)
-        .Method(u"Item", &Server::Item, {u"Index"})
-        .Method(u"", &Server::Item, {u"Index"});
-  }
-
- public:
-  Value GetCount() { return static_cast<Server&>(*this).Size(); }
   // Error 5941 for an index that is not there.
   Value Item(const MethodArguments& arguments) {
-    auto& server = static_cast<Server&>(*this);
     const int32_t index = arguments.Require(0).ToLong();
-    if (index < 1 || index > server.Size()) throw NoSuchMember();
-    return server.At(index);
+    if (index < 1 || index > this->self().Size()) throw NoSuchMember();
+    return this->self().At(index);
   }
 };
 
