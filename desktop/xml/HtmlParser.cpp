@@ -39,6 +39,31 @@ std::optional<std::string> PageAsUtf8(std::string_view bytes) {
   return ToUtf8(is_utf8 ? FromUtf8WithAnsi(bytes) : FromAnsi(bytes));
 }
 
+bool StartsCondition(std::string_view text) {
+  const std::string start = ToUtf8(LowerCase(FromAnsi(text.substr(0, std::strlen("<![endif")))));
+  return start.starts_with("<![if") || start.starts_with("<![endif");
+}
+
+// What browsers pass over and the parser does not: the "<![if …]>" and "<![endif]>" that word
+// processors write are text to it, and at a NUL between elements it ends.
+std::string WithoutOddities(std::string page) {
+  std::erase(page, '\0');
+  std::string clean;
+  size_t copied = 0;
+  for (size_t at = page.find("<!"); at != std::string::npos; at = page.find("<!", at)) {
+    const bool is_comment = page.compare(at, 4, "<!--") == 0;
+    const bool is_condition = StartsCondition(std::string_view(page).substr(at));
+    const size_t end = page.find(is_comment ? "-->" : ">", at);
+    if (end == std::string::npos) break;
+    if (is_condition) {
+      clean.append(page, copied, at - copied);
+      copied = end + 1;
+    }
+    at = end + 1;
+  }
+  return copied == 0 ? page : clean.append(page, copied);
+}
+
 }  // namespace
 
 HtmlMarkup ParseHtml(std::string_view bytes, StringView what) {
@@ -48,7 +73,8 @@ HtmlMarkup ParseHtml(std::string_view bytes, StringView what) {
     throw AutomationError(kInvalidProcedureCall, String(what) + u" is larger than 1 GiB");
   };
   require_size(bytes);
-  const std::optional<std::string> utf8 = PageAsUtf8(bytes);
+  std::optional<std::string> utf8 = PageAsUtf8(bytes);
+  if (utf8) utf8 = WithoutOddities(*std::move(utf8));
   const std::string_view input = utf8 ? std::string_view(*utf8) : bytes;
   require_size(input);
   const std::unique_ptr<xmlParserCtxt, FreeContext> context(htmlNewParserCtxt());

@@ -31,6 +31,8 @@ TEST(HtmlMarkup, ReadsAsInABrowser) {
       {"<pre>a  b\n\tc</pre>", u"a  b\v\tc\r"},
       {"<ul><li>a<li>b<ol start=3 type=i><li>c</ol></ul>", u"\u2022\ta\r\u2022\tb\riii.\tc\r"},
       {"<head><title>t</title><style>b{}</style></head><script>s</script><!-- c -->x", u"x\r"},
+      {"<![if !a]>x<![endif]><!--[if a]><![endif]-->y<![ENDIF]><!-- <![if a]>", u"xy\r"},
+      {std::string("<table>\0<tr><td>\0a", 19), u"a\r\a\r\a"},
       {"a<i style='display:none'>b</i><img alt='(c)' src='http://none.invalid/'>", u"a(c)\r"},
       {"a<hr>b", u"a\r\rb\r"},
       {"<table><caption>c</caption>x<tr><td>1<td>2<tr><td>3</table>",
