@@ -8,6 +8,7 @@ namespace kestrelon::desktop::word::html {
 namespace {
 
 constexpr int32_t kNarrowest = 60;
+constexpr int32_t kWidest = 31680;  // 22 inches, the widest page there is
 constexpr int32_t kUsualHalfPoints = 22;
 // Of the height of the letters: what a letter is wide on average, with some room.
 constexpr double kLetterWidth = 0.58;
@@ -71,10 +72,13 @@ class Layout {
     WidenForSpans();
     const double table = TableWidth();
     ColumnWidths result;
-    result.table = HasOwnWidth() ? static_cast<int32_t>(std::lround(table)) : 0;
+    const auto as_measure = [](double width, int32_t least) {
+      return static_cast<int32_t>(std::lround(std::clamp<double>(width, least, kWidest)));
+    };
+    result.table = HasOwnWidth() ? as_measure(table, 0) : 0;
     Distribute(table);
     for (size_t i = 0; i < widths_.size(); ++i) {
-      result.columns.push_back(std::max(static_cast<int32_t>(std::lround(widths_[i])), kNarrowest));
+      result.columns.push_back(as_measure(widths_[i], kNarrowest));
       result.is_asked.push_back(asked_[i].IsSet());
     }
     return result;
@@ -167,11 +171,12 @@ class Layout {
       left -= widths_[i];
     }
     if (unknown_count == 0) return ScaleTo(table);
+    const double widest = WidestWithin(std::max(left, available_ - (table - left)));
     for (size_t i = 0; i < widths_.size(); ++i) {
       if (asked_[i].IsSet()) continue;
       const Extent& own = extents_[i];
       if (left <= unknown.least) {
-        widths_[i] = own.least;
+        widths_[i] = std::min(own.least, widest);
       } else if (left >= unknown.most) {
         widths_[i] = unknown.most > 0 ? own.most * left / unknown.most
                                       : left / static_cast<double>(unknown_count);
@@ -180,6 +185,22 @@ class Layout {
                                      (unknown.most - unknown.least);
       }
     }
+  }
+
+  // What no column may exceed whose width nothing says, where the longest words of all of them are
+  // wider than `room`. Those words break; a browser would have them run out of the page.
+  double WidestWithin(double room) const {
+    std::vector<double> words;
+    for (size_t i = 0; i < asked_.size(); ++i) {
+      if (!asked_[i].IsSet()) words.push_back(extents_[i].least);
+    }
+    std::sort(words.begin(), words.end());
+    for (size_t i = 0; i < words.size(); ++i) {
+      const double share = room / static_cast<double>(words.size() - i);
+      if (words[i] > share) return share;
+      room -= words[i];
+    }
+    return kWidest;
   }
 
   void ScaleTo(double table) {

@@ -87,6 +87,8 @@ TEST(HtmlMarkup, MakesColumnsAsWideAsAsked) {
        " 900 5100"},
       {"<table width=600><tr><td colspan=2 width=200>a<td>b<tr><td>c<td>d<td>e", " 1500 1500 6000"},
       {"<table width=600><tr><td colspan=5>a<tr><td colspan=5>b", " 9000"},
+      {"<table><tr><td>abc<td>" + std::string(999, 'x') + "<td width=30>d", " 413 8137 450"},
+      {"<table width='1000%'><tr><td>a", " 31680"},
   };
   for (const auto& [page, widths] : cases) {
     const std::string grid = std::regex_replace(MarkupOf(page), std::regex("</?tblGrid>"), "\n");
