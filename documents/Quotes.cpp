@@ -1,5 +1,7 @@
 #include "documents/Quotes.h"
 
+#include <algorithm>
+
 #include "Control/ErrorReporting.h"
 #include "Control/FileAccess.h"
 #include "Control/LocaleAndEnvironment.h"
@@ -100,6 +102,10 @@ String TemporaryBase(ControlContext& context, const String& strQuoteFileName,
     name = name.substr(0, name.rfind(u'.'));
   } else {
     MakeSafeFileName(name);
+    // Quote numbers have slashes, which would lead to other folders: what is there would be
+    // replaced and then deleted as if it were temporary.
+    std::replace_if(
+        name.begin(), name.end(), [](char16_t c) { return c == u'/' || c == u'\\'; }, u'_');
   }
   return GetTheTempPath(context) + name;
 }

@@ -196,7 +196,7 @@ TEST_F(Quotes, AreShownBeforeTheyAreFilledWhenAsked) {
 TEST_F(Quotes, TravelInTheMailThatTheTypeAsksFor) {
   const std::string html = "\", FileFormat:=8)";
   const std::tuple<const char16_t*, const char16_t*, std::string, std::string> cases[] = {
-      {u"attach", u"Offer 1", "/tmp/Offer_1.doc", "SaveAs(\"/tmp/Offer_1.doc\")"},
+      {u"attach", u"../Offer\\1", "/tmp/.._Offer_1.doc", "SaveAs(\"/tmp/.._Offer_1.doc\")"},
       {u"AttachHtml", u"", "/tmp/q.htm", "SaveAs(FileName:=\"/tmp/q.htm" + html},
       {u"ATTACHPDF", u"", "/tmp/q.pdf",
        "ExportAsFixedFormat(OutputFileName:=\"/tmp/q.pdf\", ExportFormat:=17)"},
