@@ -20,6 +20,30 @@ bool IsAbsolute(StringView path) {
   return path.starts_with(u'/') || path.starts_with(u'\\') || path.substr(0, 2).ends_with(u':');
 }
 
+// How many marks end the text: of a paragraph, and in a table those of a cell and of its row.
+int32_t CountMarks(StringView text) {
+  int32_t count = 0;
+  while (!text.empty() && StringView(u"\r\f\a").find(text.back()) != StringView::npos) {
+    text.remove_suffix(text.ends_with(u"\r\a") ? 2 : 1);
+    ++count;
+  }
+  return count;
+}
+
+// What a reader sees of a link: its address, which Word makes one of, stands before that.
+String WithoutFieldCodes(StringView text) {
+  constexpr char16_t kBegin = 0x13;
+  constexpr char16_t kSeparator = 0x14;
+  String seen;
+  bool is_code = false;
+  for (const char16_t unit : text) {
+    if (unit == kBegin) is_code = true;
+    if (!is_code) seen += unit;
+    if (unit == kSeparator) is_code = false;
+  }
+  return seen;
+}
+
 // The folder of `strTemplate` keeps its separator; "" where it has none.
 String ResolvePath(const String& path, const String& strTemplate) {
   if (IsOnServer(path) || IsAbsolute(path)) return path;
@@ -34,9 +58,11 @@ std::optional<String> TakeTableTemplatePath(const Object& wordApp, const String&
   selection.Call(u"MoveDown", Named(u"Unit", wdParagraph), Named(u"Extend", wdExtend));
   const String text = selection.Get(u"Text").ToText();
   // The paragraph's mark stays: where a table follows, the selection would end up inside it.
-  if (!text.empty() && AnsiCode(text.back()) < 32) selection.Call(u"MoveEnd", wdCharacter, -1);
+  const int32_t marks = CountMarks(text);
+  if (marks > 0) selection.Call(u"MoveEnd", wdCharacter, -marks);
   selection.Call(u"Delete");
-  const StringView path = StringView(text).substr(std::min(text.size(), kTag.size()));
+  const String seen = WithoutFieldCodes(text);
+  const StringView path = StringView(seen).substr(std::min(seen.size(), kTag.size()));
   return ResolvePath(CleanCellText(path), strTemplate);
 }
 

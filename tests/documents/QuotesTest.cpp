@@ -140,6 +140,17 @@ TEST_F(Quotes, InsertTheExpandedTableTemplateWhereTheTagStands) {
                 deleted);
 }
 
+TEST_F(Quotes, TakeTheTagOutBeforeTheMarksBehindIt) {
+  const std::pair<const char16_t*, int> cases[] = {
+      {u"table.htm", 0}, {u"table.htm\v\f\f", -2}, {u"table.htm\r\a\r\a", -2}};
+  for (const auto& [place, moved] : cases) {
+    desktop.log.clear();
+    Script(desktop, place);
+    EXPECT_EQ(Save(context, arguments), u"success");
+    EXPECT_EQ(Count("sel.MoveEnd(1, " + std::to_string(moved) + ")"), moved == 0 ? 0 : 1);
+  }
+}
+
 TEST_F(Quotes, FetchATableTemplateFromItsServer) {
   desktop.Answer("http.responseText", {Value(u"fetched")});
   Script(desktop, u"http://crm/t/table.htm\r");
@@ -159,6 +170,7 @@ TEST_F(Quotes, LookForATableTemplateBesideTheWordTemplate) {
       {u"a/b.htm\r\a", u"C:/t/q.dotx", "C:/t/a/b.htm"},
       {u"b.htm", u"C:\\t\\q.dotx", "C:\\\\t\\\\b.htm"},
       {u"b.htm", u"q.dotx", "b.htm"},
+      {u" \x13 HYPERLINK \"x\" \x14s/b.htm\x15\r", u"/q.dotx", "/s/b.htm"},
       {u"\\\\host\\b.htm", u"/t/q.dotx", "\\\\\\\\host\\\\b.htm"},
       {u"D:\\b.htm\r", u"/t/q.dotx", "D:\\\\b.htm"},
   };
