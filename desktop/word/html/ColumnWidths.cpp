@@ -9,6 +9,7 @@ namespace {
 
 constexpr int32_t kNarrowest = 60;
 constexpr int32_t kWidest = 31680;  // 22 inches, the widest page there is
+constexpr int32_t kTiny = 100;      // less than a letter
 constexpr int32_t kUsualHalfPoints = 22;
 // Of the height of the letters: what a letter is wide on average, with some room.
 constexpr double kLetterWidth = 0.58;
@@ -69,6 +70,8 @@ class Layout {
   ColumnWidths Compute() {
     Measure();
     ShareSpans();
+    ForgetTinyWidths();
+    LimitShares();
     WidenForSpans();
     const double table = TableWidth();
     ColumnWidths result;
@@ -119,6 +122,28 @@ class Layout {
     }
   }
 
+  // All columns together have no more than the table: what the first ones leave is for the next.
+  void LimitShares() {
+    double left = 100;
+    for (Length& asked : asked_) {
+      if (!asked.IsPercent()) continue;
+      asked.value = std::min(asked.value, left);
+      left -= asked.value;
+      if (asked.value < 1) asked = {};
+    }
+  }
+
+  // "0" and "1%" say that the content decides: browsers break no word for them.
+  void ForgetTinyWidths() {
+    if (table_.is_fixed) return;
+    const double whole = table_.width.IsTwips() ? table_.width.value : available_;
+    for (size_t i = 0; i < asked_.size(); ++i) {
+      Length& asked = asked_[i];
+      const double width = asked.IsPercent() ? whole * asked.value / 100 : asked.value;
+      if (width < kTiny && width < extents_[i].least) asked = {};
+    }
+  }
+
   // Columns without a width of their own make room for what stands over several of them.
   void WidenForSpans() {
     for (const Row& row : table_.rows) {
@@ -146,7 +171,7 @@ class Layout {
   }
 
   double TableWidth() const {
-    if (table_.width.IsPercent()) return available_ * table_.width.value / 100;
+    if (table_.width.IsPercent()) return available_ * std::min(table_.width.value, 100.0) / 100;
     if (table_.width.IsTwips()) return table_.width.value;
     double sum = 0;
     for (size_t i = 0; i < asked_.size(); ++i) {
@@ -171,7 +196,9 @@ class Layout {
       left -= widths_[i];
     }
     if (unknown_count == 0) return ScaleTo(table);
-    const double widest = WidestWithin(std::max(left, available_ - (table - left)));
+    // Something is left for them even where the others take all of the page.
+    const double room = std::max({left, available_ - (table - left), available_ / 4.0});
+    const double widest = WidestWithin(room);
     for (size_t i = 0; i < widths_.size(); ++i) {
       if (asked_[i].IsSet()) continue;
       const Extent& own = extents_[i];
