@@ -14,7 +14,9 @@ String WordQuote(ControlContext& context, XmlDocument& xmlDoc, String& strTempla
 
 // A quote in a mail that is displayed, never sent: attached as Word document, HTML page or PDF when
 // mailType, in any case, is "attach", "attachhtml" or "attachpdf", else as its HTML body. Word is
-// shown while it works when strMakeWordVisible is "1", and quits. Result as for WordQuote.
+// shown while it works when strMakeWordVisible is "1", and quits. Result as for WordQuote. The file
+// is called strQuoteFileName, without what does not fit into a name, or where that is "", as the
+// template.
 // strFormat is accepted and not used.
 String WordQuoteHtml(ControlContext& context, XmlDocument& xmlDoc, String& address, String& Subject,
                      String& mailType, String& addressType, String& strTemplate, String& strFormat,
