@@ -39,7 +39,7 @@ String TextToHtml(String text) {
 }
 
 String EncodeBeyondAnsi(String html) {
-  const auto is_beyond = [](char16_t unit) { return unit != u'?' && AnsiCode(unit) == u'?'; };
+  const auto is_beyond = [](char16_t unit) { return unit >= 0x80 && AnsiCode(unit) == u'?'; };
   if (std::none_of(html.begin(), html.end(), is_beyond)) return html;
   String encoded;
   for (size_t i = 0; i < html.size(); ++i) {
