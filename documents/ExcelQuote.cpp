@@ -159,6 +159,8 @@ void WriteQuote(const Object& excel, const std::vector<Row>& quote) {
       PutText(cell, quote[row][column]);
     }
   }
+  // What is longer than a column has room would be cut off at the next one.
+  sheet.GetChild(u"UsedRange").GetChild(u"Columns").Call(u"AutoFit");
 }
 
 }  // namespace

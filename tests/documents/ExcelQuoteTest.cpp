@@ -53,6 +53,7 @@ TEST_F(ExcelQuotes, WriteTheNamedColumnsOfTheFirstTableThatHasThem) {
   for (const auto& [markup, columns, written] : cases) {
     EXPECT_TRUE(Quote(markup, columns));
     EXPECT_EQ(Written(), written) << markup;
+    EXPECT_TRUE(desktop.log.end()[-2].ends_with(".UsedRange.Columns.AutoFit()"));
     EXPECT_EQ(desktop.log.back(), "Excel.Application.Visible = True");
   }
 }
