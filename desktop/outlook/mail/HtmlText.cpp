@@ -40,7 +40,8 @@ class PlainText {
     if (IsOneOf(name, kHidden)) ++hidden_;
     if (name == "pre") ++preformatted_;
     BreakFor(name);
-    if (name == "br") ++breaks_;
+    // An empty cell of a word processor holds a break, which parts nothing.
+    if (name == "br" && !at_cell_start_) ++breaks_;
     if (name == "li") Add("* ");
     if (IsCell(name)) {
       if (breaks_ == 0 && !text_.empty()) Add("\t");

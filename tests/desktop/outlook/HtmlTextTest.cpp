@@ -23,6 +23,7 @@ TEST(HtmlToPlainText, ReadsAsTheShownPageDoes) {
            {"<table><tr><td><p>1</p></td><td><p>2</p><p>3</p></td></tr><tr><td></td></tr>"
             "<tr><td><div>4</div></td></tr></table>",
             "1\t2\n\n3\n4"},
+           {"<table><tr><td>1</td><td><p><br></p></td><td>3<br>4</td></tr></table>", "1\t\t3\n4"},
            {"<html><head><title>t</title><style>p{a:b}</style></head><body>a"
             "<script>if (1 < 2) document.write('<p>x')</script><!-- c --><o:p>b</o:p>"
             "<![if !x]>c<![endif]></body></html>",
