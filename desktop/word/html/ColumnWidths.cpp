@@ -30,8 +30,9 @@ Extent ExtentOf(const Paragraph& paragraph) {
     for (const char16_t unit : run.text) {
       line = unit == u'\v' ? 0 : line + letter;
       word = unit == u' ' || unit == u'\v' ? 0 : word + letter;
-      extent.most = std::max(extent.most, line);
-      extent.least = std::max(extent.least, word);
+      // The fewer letters, the likelier wide ones among them are not made up for.
+      extent.most = std::max(extent.most, line + letter / 2);
+      if (word > 0) extent.least = std::max(extent.least, word + letter / 2);
     }
   }
   return extent;

@@ -87,13 +87,13 @@ TEST(HtmlMarkup, MakesColumnsAsWideAsAsked) {
        " 900 5100"},
       {"<table width=600><tr><td colspan=2 width=200>a<td>b<tr><td>c<td>d<td>e", " 1500 1500 6000"},
       {"<table width=600><tr><td colspan=5>a<tr><td colspan=5>b", " 9000"},
-      {"<table><tr><td>abc<td>" + std::string(999, 'x') + "<td width=30>d", " 413 8137 450"},
+      {"<table><tr><td>abc<td>" + std::string(999, 'x') + "<td width=30>d", " 477 8073 450"},
       {"<table width='100%'><tr><td width='1%'>word<td width='0'>abc<td width='90%'>d<td "
        "width='10%'>",
-       " 540 413 8100 900"},
+       " 604 477 8100 900"},
       {"<table width='300%'><tr><td width='60%'>a<td width='60%'>b<td width='60%'>c",
-       " 5400 3600 158"},
-      {"<table width='99in'><tr><td width=9999>a<td>b", " 31680 158"},
+       " 5400 3600 221"},
+      {"<table width='99in'><tr><td width=9999>a<td>b", " 31680 221"},
   };
   for (const auto& [page, widths] : cases) {
     const std::string grid = std::regex_replace(MarkupOf(page), std::regex("</?tblGrid>"), "\n");
