@@ -2,6 +2,7 @@
 
 #include "desktop/opener/Opener.h"
 #include "desktop/server/ServerObject.h"
+#include "desktop/storage/Paths.h"
 #include "desktop/tapi/Configuration.h"
 #include "desktop/tapi/DialRequest.h"
 
@@ -102,7 +103,12 @@ Object CreateConfiguredDialer(StringView prog_id) {
       return Object(std::make_shared<ConfiguredDialer>(settings, configuration.file));
     }
   }
-  return {};
+  const String file = configuration.file.empty()
+                          ? u"the configuration file"
+                          : String(u"the configuration file ") + TextFromPath(configuration.file);
+  throw AutomationError(kCannotCreateObject, u"ActiveX component can't create object \"" +
+                                                 String(prog_id) + u"\": it is not built in, and " +
+                                                 file + u" has no dialer of that name.");
 }
 
 }  // namespace kestrelon::desktop

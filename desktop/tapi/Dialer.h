@@ -9,7 +9,7 @@ namespace kestrelon::desktop {
 // "Kestrelon.Dialer".
 Object CreateLinkDialer();
 
-// The dialer that the configuration file has under this name; Nothing when it has none.
+// The dialer that the configuration file has under this name; an AutomationError when it has none.
 Object CreateConfiguredDialer(StringView prog_id);
 
 }  // namespace kestrelon::desktop

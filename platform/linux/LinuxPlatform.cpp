@@ -85,8 +85,7 @@ Object LinuxPlatform::CreateObject(StringView prog_id, StringView server) {
   for (const Server& entry : kServers) {
     if (EqualIgnoringCase(entry.prog_id, prog_id)) return entry.create();
   }
-  if (Object dialer = desktop::CreateConfiguredDialer(prog_id)) return dialer;
-  throw AutomationError(kCannotCreateObject);
+  return desktop::CreateConfiguredDialer(prog_id);
 }
 
 Object LinuxPlatform::GetRunningObject(StringView prog_id) {

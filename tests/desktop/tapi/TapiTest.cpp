@@ -58,6 +58,13 @@ TEST_F(Telephony, BrokenFilesAreToldWithLineReasonAndRemedy) {
   EXPECT_THAT(FailureOf([] { CreateConfiguredDialer(u"A"); }).what(), HasSubstr("cannot be read"));
 }
 
+TEST_F(Telephony, AnUnknownDialerIsToldWithTheFileThatWouldNameIt) {
+  const auto error = FailureOf([] { CreateConfiguredDialer(u"Nobody"); });
+  EXPECT_EQ(error.number(), kCannotCreateObject);
+  EXPECT_THAT(error.what(),
+              ::testing::AllOf(HasSubstr("\"Nobody\""), HasSubstr("/config.json has")));
+}
+
 TEST_F(Telephony, ConfiguredDialersRunTheirPrograms) {
   Configure(R"({"dialers": {"Acme.Dialer": {"call": [")" + opener.program().string() +
             R"(", "{number}{}", "-p{number}={parameters};"],
