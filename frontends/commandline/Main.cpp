@@ -60,10 +60,29 @@ int RunSession(const std::string& trace_path) {
   return kSuccess;
 }
 
+constexpr const char* kHelp =
+    "\"kestrelon COMMAND --help\" tells more of a command. README.md tells of the environment, "
+    "such\n"
+    "as KESTRELON_MAILBOX, where mails come to lie, and KESTRELON_OPENER, which shows what is "
+    "made.";
+constexpr const char* kCallHelp =
+    "\"kestrelon members\" lists the members with their parameters; those in [ ] may be left out.\n"
+    "The result is printed to stdout, message boxes to stderr, each answered with OK.\n"
+    "Exit status: 0; 2 for a bad command line; 3 when the member raised an error to its caller.";
+constexpr const char* kSessionHelp =
+    "In:  {\"member\":\"FindFile\",\"args\":{\"path\":\"a.doc\"},\"answers\":[7]}\n"
+    "Out: {\"result\":…,\"args\":{…},\"messages\":[{\"text\":…,\"flags\":…,\"title\":…}]}, and "
+    "when the\n"
+    "     member raised an error to its caller \"error\":{\"number\":…,\"description\":…}\n"
+    "A document is given as its markup or as {\"file\":\"PATH\"}. \"answers\" are the buttons "
+    "pressed\n"
+    "in message boxes, in order: 1 OK, 2 Cancel, 3 Abort, 4 Retry, 5 Ignore, 6 Yes, 7 No.";
+
 int Run(int argc, char** argv) {
   CLI::App app("The Kestrelon control on the command line", "kestrelon");
   app.require_subcommand(1);
   app.fallthrough();
+  app.footer(kHelp);
   std::string trace_path;
   app.add_option("--trace", trace_path, "Write every automation call to this file, a line each");
 
@@ -77,9 +96,11 @@ int Run(int argc, char** argv) {
   call->add_option(
       "NAME=VALUE", request.arguments,
       "Arguments; NAME=@FILE takes the value from a file, NAME=@@TEXT is the text @TEXT");
+  call->footer(kCallHelp);
 
   CLI::App* session =
       app.add_subcommand("session", "Call many members on one control: JSON lines in and out");
+  session->footer(kSessionHelp);
 
   MailboxRequest mailbox_request;
   CLI::App* const mailbox = AddMailboxCommand(app, mailbox_request);
