@@ -106,9 +106,10 @@ Object CreateConfiguredDialer(StringView prog_id) {
   const String file = configuration.file.empty()
                           ? u"the configuration file"
                           : String(u"the configuration file ") + TextFromPath(configuration.file);
-  throw AutomationError(kCannotCreateObject, u"ActiveX component can't create object \"" +
-                                                 String(prog_id) + u"\": it is not built in, and " +
-                                                 file + u" has no dialer of that name.");
+  throw AutomationError(kCannotCreateObject,
+                        u"ActiveX component can't create object \"" + String(prog_id) +
+                            u"\": it is not built in, and " + file +
+                            u" has no dialer of that name. Correct the name, or add it there.");
 }
 
 }  // namespace kestrelon::desktop
