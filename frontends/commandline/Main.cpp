@@ -25,7 +25,10 @@ class Desktop {
     // Opened for every command, so that a wrong path is told by each.
     if (trace_path.empty()) return;
     file_.open(trace_path, std::ios::trunc);
-    if (!file_) throw BadCommandLine("cannot write the trace file " + trace_path);
+    if (!file_) {
+      throw BadCommandLine("cannot write the trace file " + trace_path +
+                           "; name one in a folder that is there and may be written to");
+    }
     trace_ = [this](const std::string& line) { file_ << line << std::endl; };
     tracing_ = std::make_unique<TracingPlatform>(linux_, trace_);
   }
