@@ -171,13 +171,16 @@ def picture(relationship_id, size_emu):
 
 
 def text_box(content, width_pt, height_pt):
-    """A text box at the right margin, in the modern form and in the one for old readers."""
+    """A text box at the right margin, in the modern form and in the one for old readers.
+
+    It is placed by the column: "margin" comes out as the edge of the page in a .doc.
+    """
     width, height = width_pt * 12700, height_pt * 12700
     modern = (
         '<w:drawing><wp:anchor distT="0" distB="0" distL="114300" distR="114300" simplePos="0" '
         'relativeHeight="251659264" behindDoc="0" locked="0" layoutInCell="1" allowOverlap="1" '
         'wp14:anchorId="5B1C7A20" wp14:editId="21D94E6F"><wp:simplePos x="0" y="0"/>'
-        '<wp:positionH relativeFrom="margin"><wp:align>right</wp:align></wp:positionH>'
+        '<wp:positionH relativeFrom="column"><wp:align>right</wp:align></wp:positionH>'
         '<wp:positionV relativeFrom="paragraph"><wp:posOffset>-63500</wp:posOffset></wp:positionV>'
         f'<wp:extent cx="{width}" cy="{height}"/><wp:effectExtent l="0" t="0" r="0" b="0"/>'
         '<wp:wrapNone/><wp:docPr id="2" name="Text Box 2"/><wp:cNvGraphicFramePr/>'
@@ -196,9 +199,9 @@ def text_box(content, width_pt, height_pt):
         '<v:shape id="Text Box 2" o:spid="_x0000_s2049" type="#_x0000_t202" '
         f'style="position:absolute;margin-left:0;margin-top:-5pt;width:{width_pt}pt;'
         f'height:{height_pt}pt;z-index:251659264;mso-position-horizontal:right;'
-        'mso-position-horizontal-relative:margin" filled="f" stroked="f">'
+        'mso-position-horizontal-relative:text" filled="f" stroked="f">'
         f'<v:textbox inset="0,0,0,0"><w:txbxContent>{content}</w:txbxContent></v:textbox>'
-        '<w10:wrap anchorx="margin"/></v:shape></w:pict>')
+        '<w10:wrap anchorx="text"/></v:shape></w:pict>')
     return run("", "<w:noProof/>", inside=(
         f'<mc:AlternateContent><mc:Choice Requires="wps">{modern}</mc:Choice>'
         f"<mc:Fallback>{old}</mc:Fallback></mc:AlternateContent>"))
