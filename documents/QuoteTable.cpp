@@ -64,6 +64,11 @@ void FillQuoteTable(const Object& wordTable, const Object& xmlDoc, int16_t lines
   const std::vector<String> headers = ReadHeaderCells(wordTable);
   step = u"Processing in-line table headers";
   const Object fields = xmlDoc.CallChild(u"selectSingleNode", u"Data/quotefields");
+  if (!fields) {
+    throw AutomationError(kObjectVariableNotSet,
+                          u"The quote's data has no element Data/quotefields, which names the "
+                          u"fields of its lines. Check what is passed as xmlDoc. ");
+  }
   const std::vector<Column> columns = FindColumns(headers, fields.GetChild(u"childNodes"));
   for (int32_t line = 1; line <= lines; ++line) {
     for (const auto& [number, has_tag, field] : columns) {

@@ -357,6 +357,9 @@ TEST(QuotesOnLinux, GrowTheTableOfTheTemplate) {
   };
   EXPECT_EQ(text(1, 1) + text(2, 1) + text(3, 1) + text(6, 1), u"When\r\a1\r\a\r\a5\vpm\r\a");
   EXPECT_EQ(text(4, 2), u"9 a person, lunch included\r\a");
+
+  EXPECT_EQ(SaveQuote(context, arguments, "<Data/>"), u"");
+  EXPECT_NE(world.messages.at(0).text.find(u"no element Data/quotefields"), String::npos);
 }
 
 }  // namespace
