@@ -25,14 +25,18 @@ struct Http : Test {
 
   testing::LoopbackServer server{{
       {"/a%20b%C3%A9%25?x=%22%20y", "HTTP/1.1 200 All right\r\nX-A: 1\r\nx-a: 2\r\n\r\nZ\xC3\xB6"},
-      {"/no/a%20b.txt", "HTTP/1.1 403 Forbidden\r\n\r\nno"},
-      {"/put/a%20b.txt", "HTTP/1.1 500 Internal Server Error\r\n\r\noh"},
+      {"/ok/a%20b.txt", "HTTP/1.1 200 OK\r\n\r\n"},
+      {"/no/a%20b.txt", "HTTP/1.1 403 Forbidden\r\n\r\n<A HREF>no"},
+      {"/put/a%20b.txt", "HTTP/1.1 500 Internal Server Error\r\n\r\n<A HREF>oh"},
+      {"/cut/a%20b.txt", "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n"},
+      {"/endless/a%20b.txt", "HTTP/1.1 200 OK\r\n\r\n…"},
       {"/cut", "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n<A HREF>half"},
       {"/endless", "HTTP/1.1 200 OK\r\n\r\n…"},
       {"/kept", "HTTP/1.1 307 Temporary Redirect\r\nLocation: /no/a%20b.txt\r\n\r\nmoved"},
       {"/round", "HTTP/1.1 302 Found\r\nLocation: /round\r\n\r\nmoved"},
       {"/inside", "HTTP/1.1 302 Found\r\nLocation: file:///etc/hostname\r\n\r\nmoved"},
-      {"/t", "HTTP/1.1 200 OK\r\n\r\n<A HREF>[Up]</A><A HREF=\"q\">Q\xE9.dotx</A>"},
+      {"/t", "HTTP/1.1 200 OK\r\n\r\n<A HREF>[Up]</A>" + std::string(2030, '-') +
+                 "<A HREF=\"q\">Q\xE9.dotx</A>"},
   }};
   const String refused_url = FromUtf8(testing::LoopbackServer({}).url + "/x");
   LinuxPlatform platform{[](const String&, int32_t, const std::optional<String>&) { return 1; }};
@@ -106,9 +110,12 @@ TEST_F(Http, MembersTakeWhatAServerAnswers) {
     String path = FromUtf8((folder.path() / "a b.txt").string());
     return UploadFile(context, path, to);
   };
-  EXPECT_TRUE(upload(Url("/put/")) && upload(Url("/no")));
-  EXPECT_FALSE(upload(refused_url));
+  EXPECT_TRUE(upload(Url("/put/")) && upload(Url("/no")) && upload(Url("/ok")));
+  EXPECT_FALSE(upload(refused_url) || upload(Url("/cut")) || upload(Url("/endless")));
   for (auto [folder_url, list] : {std::pair(Url("/t\\"), u"Qé.dotx"),
+                                  {Url("/no/a b.txt"), u"no"},
+                                  {Url("/put/a b.txt"), u"oh"},
+                                  {refused_url, u"Empty"},
                                   {Url("/cut"), u"half"},
                                   {Url("/endless"), u"Empty"},
                                   {Url("/round"), u"Empty"}}) {
@@ -117,6 +124,8 @@ TEST_F(Http, MembersTakeWhatAServerAnswers) {
   }
   EXPECT_THAT(server.Stop()[0], AllOf(StartsWith("PUT /put/a%20b.txt HTTP/1.1\r\n"),
                                       EndsWith("\r\n\r\nCaf\xC3\xA9 \xE2\x82\xAC")));
+  EXPECT_THAT(server.Stop()[5], AllOf(StartsWith("GET /t "), HasSubstr("VB OpenUrl\r\n"),
+                                      HasSubstr("\r\nCache-Control: no-cache\r\n")));
 }
 
 }  // namespace
