@@ -21,6 +21,10 @@ TEST(BlockInsertion, LeavesTheDocumentThatIsExpected) {
     return Rx("<w:rPr><w:b/></w:rPr><w:t>" + text + "</w:t>");
   };
   const auto plain = [](const std::string& text) { return P(Rx("<w:t>" + text + "</w:t>")); };
+  const std::string field = Field("begin") + Code("d") + Field("separate") + R("a") + Field("end");
+  const auto find = [](Story& story, const char16_t* text) {
+    return story.Find(FindPattern(text, true), 0, story.Length());
+  };
   const std::tuple<std::string, Span, std::string, std::string> cases[] = {
       {P(R("ab")), {0, 0}, kTable, kTable + P(R("ab"))},
       {P(R("ab")), {3, 3}, kTable, P(R("ab")) + kTable + P()},
@@ -46,16 +50,31 @@ TEST(BlockInsertion, LeavesTheDocumentThatIsExpected) {
       {P(R("abcd")), {1, 3}, kTable, plain("a") + kTable + plain("d")},
       {P(R("ab")) + P(R("cd")), {1, 4}, kTable, plain("a") + kTable + plain("d")},
       {kTable + P(R("b")), {0, 3}, P(R("x")), P(R("x")) + P(R("b"))},
+      {Tbl(Tr(C("c")), Tr(C("d"))) + P(),
+       {3, 3},
+       kTable,
+       Tbl(Tr(C("c")), Tr(Element("tc", kTable + P(R("d"))))) + P()},
+      {Tbl(Tr(C("ab"))) + P(),
+       {1, 1},
+       P(R("x")),
+       Tbl(Tr(Element("tc", P(Rx("<w:t>a</w:t>"), R("x")) + plain("b")))) + P()},
+      {P(field, R("bd")), {6, 6}, kTable, P(field, Rx("<w:t>b</w:t>")) + kTable + plain("d")},
   };
   for (const auto& [body, span, blocks, saved] : cases) {
     SCOPED_TRACE(saved);
     const auto document = Open(body);
     Story& story = document->Main();
     const TrackedSpan all(story, {0, story.Length()});
+    for (const auto* text : {u"d", u"x"}) find(story, text);
     story.InsertBlocks(span, Source(blocks));
     EXPECT_EQ(SavedBody(*document), saved);
     EXPECT_EQ(all.span(), (Span{0, story.Length()}));
-    EXPECT_EQ(TextOf(story), TextOf(Open(saved)->Main()));
+    const auto again = Open(saved);
+    EXPECT_EQ(TextOf(story), TextOf(again->Main()));
+    for (const auto* text : {u"x", u"d"}) EXPECT_EQ(find(story, text), find(again->Main(), text));
+    const auto remove = [](Story& from) { return NumberOf([&] { from.Delete({1, 4}); }); };
+    EXPECT_EQ(remove(story), remove(again->Main()));
+    EXPECT_EQ(TextOf(story), TextOf(again->Main()));
   }
 }
 

@@ -1,6 +1,8 @@
 // Positions, deleting over marks, tables, tracked spans and patterns.
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "tests/desktop/word/document/Builders.h"
 #include "tests/support/Failures.h"
 
@@ -92,6 +94,8 @@ TEST(Story, DeletesOverMarks) {
       {table + P() + table + P(), {5, 6}, table + P() + table + P()},
       {Tbl(Tr(wide)) + P(), {1, 2}, Tbl(Tr(Element("tc", P(R("a"), R("b"))))) + P()},
       {Element("sdt", Element("sdtContent", P(R("a")))) + P(R("b")), {0, 2}, P(R("b"))},
+      {P(R("ab")) + table + table + P(), {1, 8}, P(Rx("<w:t>a</w:t>")) + table + P()},
+      {table + table + P(), {0, 5}, table + P()},
   };
   for (const DeleteCase& one : cases) {
     SCOPED_TRACE(one.blocks + " " + std::to_string(one.span.start) + ".." +
@@ -105,7 +109,14 @@ TEST(Story, DeletesOverMarks) {
       EXPECT_FALSE(document->changed());
       continue;
     }
+    const int32_t length = main.Length();
+    std::vector<TrackedSpan> places;
+    for (int32_t at = 0; at < length; ++at) places.emplace_back(main, Span{at, at});
     main.Delete(one.span);
+    for (int32_t at = one.span.start; at < length; ++at) {
+      const int32_t moved = std::max(at - (length - main.Length()), one.span.start);
+      EXPECT_EQ(places[static_cast<size_t>(at)].span(), (Span{moved, moved})) << at;
+    }
     EXPECT_EQ(SavedBody(*document), one.after);
     EXPECT_EQ(TextOf(Document::Open(document->Save(DocumentKind::kDocx))->Main()), TextOf(main));
   }
