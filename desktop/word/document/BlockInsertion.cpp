@@ -294,7 +294,6 @@ void BlockInsertion::Splice(std::vector<std::unique_ptr<Paragraph>> paragraphs,
   all.insert(all.begin() + static_cast<ptrdiff_t>(index_),
              std::make_move_iterator(paragraphs.begin()),
              std::make_move_iterator(paragraphs.end()));
-  story_.part().edited = true;
 }
 
 }  // namespace kestrelon::desktop::word
