@@ -41,7 +41,7 @@ class QuoteFetch : public ::testing::Test {
   testing::LetterWorld world;
   testing::LoopbackServer server{{
       {"/t/rows.htm",
-       "HTTP/1.1 200 OK\r\n\r\n<table><!-- QuoteRowStart --><tr><td>&lt;ITEM&gt;</td></tr>"
+       "HTTP/1.1 200 OK\r\n\r\n<table><!-- QuoteRowStart --><tr><td>&lt;ITEM&gt; Ł</td></tr>"
        "<!-- QuoteRowEnd -->\r\n</table>"},
       {"/no", "HTTP/1.1 403 Forbidden\r\n\r\nno"},
       {"/oh", "HTTP/1.1 500 Internal Server Error\r\n\r\noh"},
@@ -52,7 +52,7 @@ class QuoteFetch : public ::testing::Test {
 };
 
 TEST_F(QuoteFetch, TheTemplateIsFilledAndInserted) {
-  EXPECT_THAT(Make(server.url + "/t/rows.htm"), StartsWith("Ox\r\a\r\aŁódź\r\a"));
+  EXPECT_THAT(Make(server.url + "/t/rows.htm"), StartsWith("Ox Ł\r\a\r\aŁódź Ł\r\a"));
   EXPECT_TRUE(world.messages.empty());
   EXPECT_THAT(server.Stop().at(0), HasSubstr("\r\nTranslate: f\r\n"));
 }

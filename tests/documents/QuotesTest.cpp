@@ -17,7 +17,7 @@ using testing::ShownMessage;
 // The four children of the root make five slots for tags, of which one is used.
 constexpr const char* kQuote =
     "<Data><quotefields><quotefield name='Product' label='Item'/>"
-    "<quotefield name='Price' templatetag='cost' label='Net price'/></quotefields>"
+    "<quotefield name='Price' templatetag='cost'/></quotefields>"
     "<quoterows><r product='Ox' price='1'/><r item='Yak' cost='2'/></quoterows>"
     "<field name='n' templatetag='t'/><Data><r fieldname='n' value='v'/></Data></Data>";
 constexpr const char16_t* kRow = u"<!-- QuoteRowStart -->&lt;COST&gt;<!-- QuoteRowEnd -->\r\n";
@@ -30,7 +30,7 @@ std::string Reading(const std::string& file) {
 
 struct QuoteArguments {
   String address = u"a@b", subject = u"Roof", mail_type = u"attach", address_type;
-  String template_path = u"/t/q.dotx", format, save_path, in_header, visible, file_name;
+  String template_path = u"/t/q.v2.dotx", format, save_path, in_header, visible, file_name;
 };
 
 String SaveQuote(ControlContext& context, QuoteArguments& a, const char* quote) {
@@ -49,7 +49,7 @@ String Mail(ControlContext& context, QuoteArguments& a) {
 // A template with a table, or with "<htmltable>" in front of `place`.
 void Script(ScriptedDesktop& desktop, const char16_t* place = nullptr) {
   const char* const names[][2] = {{"create Word.Application", "word"},
-                                  {"word.Documents.Add(\"/t/q.dotx\")", "doc"},
+                                  {"word.Documents.Add(\"/t/q.v2.dotx\")", "doc"},
                                   {"doc.Tables.item(1)", "table"},
                                   {"word.Selection", "sel"},
                                   {"create Outlook.Application", "outlook"},
@@ -62,8 +62,9 @@ void Script(ScriptedDesktop& desktop, const char16_t* place = nullptr) {
   desktop.Answer("doc.Tables.count", {1});
   desktop.Answer("table.Rows.Count", {2});
   desktop.Answer("table.Columns.Count", {3});
-  for (const auto& [cell, header] :
-       {std::pair("(1, 1)", u"<ITEM>\r\a"), {"(1, 2)", u"Number\r\a"}, {"(1, 3)", u"price\r\a"}}) {
+  for (const auto& [cell, header] : {std::pair("(1, 1)", u"<ITEM>\r\a"),
+                                     {"(1, 2)", u"Number\r\a"},
+                                     {"(1, 3)", u"<price>\r\a"}}) {
     desktop.Answer(std::string("table.Cell") + cell + ".Range.Text", {Value(header)});
   }
   desktop.Answer("doc.Range().End", {9});
@@ -106,15 +107,16 @@ TEST_F(Quotes, FillTheFirstTableAndReplaceTheTags) {
   arguments.save_path = u"/out/q.pdf ";
   EXPECT_EQ(Save(context, arguments), u"success");
   std::string expected =
-      "create Word.Application | word.Documents | word.Documents.Add(\"/t/q.dotx\") | doc.Select() "
-      "| word.Selection | sel.Find | sel.Find.MatchCase = False | sel.Find.forward = True | "
+      "create Word.Application | word.Documents | word.Documents.Add(\"/t/q.v2.dotx\") | "
+      "doc.Select() | word.Selection | sel.Find | sel.Find.MatchCase = False | sel.Find.forward = "
+      "True | "
       "sel.Find.wrap = 1 | sel.Find.text = \"<htmltable>\" | sel.Find.Execute() | sel.Find.Found | "
       "doc.Tables | doc.Tables.count | doc.Tables.item(1) | table.Rows | table.Rows.Count | "
       "table.Rows.Add() | table.Columns | table.Columns.Count";
   for (const std::string access :
        {"(1, 1).Range.Text", "(1, 2).Range.Text", "(1, 3).Range.Text", "(2, 1).Range.Text = \"Ox\"",
         "(2, 3).Range.Text = \"1\"", "(3, 1).Range.Text = \"Yak\"", "(3, 3).Range.Text = \"2\"",
-        "(1, 1).Range.Text = \"Item\""}) {
+        "(1, 1).Range.Text = \"Item\"", "(1, 3).Range.Text = \"Price\""}) {
     const std::string cell = " | table.Cell" + access.substr(0, 6);
     expected += cell + cell + ".Range | table.Cell" + access;
   }
@@ -153,11 +155,11 @@ TEST_F(Quotes, TakeTheTagOutBeforeTheMarksBehindIt) {
 
 TEST_F(Quotes, FetchATableTemplateFromItsServer) {
   desktop.Answer("http.responseText", {Value(u"fetched")});
-  Script(desktop, u"http://crm/t/table.htm\r");
+  Script(desktop, u"ftp://crm/t/table.htm\r");
   EXPECT_EQ(Save(context, arguments), u"success");
   const std::string stream = "files.CreateTextFile(\"/tmp/table.htm\", True)";
   EXPECT_EQ(Between("create microsoft.xmlhttp", stream + ".Close()"),
-            "create microsoft.xmlhttp | http.open(\"GET\", \"http://crm/t/table.htm\", False) | "
+            "create microsoft.xmlhttp | http.open(\"GET\", \"ftp://crm/t/table.htm\", False) | "
             "http.setRequestHeader(\"Content-type:\", \"text/xml\") | "
             "http.setRequestHeader(\"Translate:\", \"f\") | http.send() | http.responseText | "
             "create Scripting.FileSystemObject | " +
@@ -209,9 +211,9 @@ TEST_F(Quotes, TravelInTheMailThatTheTypeAsksFor) {
   const std::string html = "\", FileFormat:=8)";
   const std::tuple<const char16_t*, const char16_t*, std::string, std::string> cases[] = {
       {u"attach", u"../Offer\\1", "/tmp/.._Offer_1.doc", "SaveAs(\"/tmp/.._Offer_1.doc\")"},
-      {u"AttachHtml", u"", "/tmp/q.htm", "SaveAs(FileName:=\"/tmp/q.htm" + html},
-      {u"ATTACHPDF", u"", "/tmp/q.pdf",
-       "ExportAsFixedFormat(OutputFileName:=\"/tmp/q.pdf\", ExportFormat:=17)"},
+      {u"AttachHtml", u"", "/tmp/q.v2.htm", "SaveAs(FileName:=\"/tmp/q.v2.htm" + html},
+      {u"ATTACHPDF", u"", "/tmp/q.v2.pdf",
+       "ExportAsFixedFormat(OutputFileName:=\"/tmp/q.v2.pdf\", ExportFormat:=17)"},
       {u"Quote", u"<Offer> 1", "/tmp/Offer_1.htm", "SaveAs(FileName:=\"/tmp/Offer_1.htm" + html},
   };
   arguments.save_path = u"/out/q.doc";
@@ -242,7 +244,7 @@ TEST_F(Quotes, FallBackToADocumentWhereNoPdfCanBeMade) {
   arguments.mail_type = u"attachpdf";
   arguments.save_path = u"/out/q.pdf";
   EXPECT_EQ(Mail(context, arguments), u"success");
-  EXPECT_EQ(Count("mail.Attachments.Add(\"/tmp/q.doc\")"), 1);
+  EXPECT_EQ(Count("mail.Attachments.Add(\"/tmp/q.v2.doc\")"), 1);
   ASSERT_EQ(desktop.messages.size(), 4U) << "each failed export is told of by itself, too";
   EXPECT_EQ(desktop.messages[1].text, u"Unable to write as PDF.  Will be written as doc instead");
   EXPECT_EQ(desktop.messages[1].flags, 64);
@@ -250,6 +252,12 @@ TEST_F(Quotes, FallBackToADocumentWhereNoPdfCanBeMade) {
             u"Unable to save document as PDf format.  PDF save requires Word 2007 or above with "
             u"the appropriate Microsoft add-in");
   EXPECT_EQ(desktop.messages[3].flags, 48);
+  arguments.save_path = u"/TMP/q.v2.doc";
+  EXPECT_EQ(Mail(context, arguments), u"success");
+  EXPECT_EQ(Count("files.DeleteFile(\"/tmp/q.v2.doc\", False)"), 1) << "the page wants the second";
+  desktop.Fail("outlook.CreateItem", AutomationError(1));
+  EXPECT_EQ(Mail(context, arguments), u"");
+  EXPECT_EQ(desktop.messages.back().title, u"Quote generation failed") << "neither tags nor saving";
 }
 
 TEST_F(Quotes, ReportEachStageInItsOwnWords) {
@@ -342,10 +350,12 @@ TEST(QuotesOnLinux, GrowTheTableOfTheTemplate) {
   arguments.template_path = world.seminar_template;
   arguments.save_path = FromUtf8(world.saved_path.string());
   EXPECT_EQ(
-      SaveQuote(context, arguments,
-                "<Data><quotefields><quotefield name='When'/></quotefields><quoterows>"
-                "<r when='1'/><r/><r/><r/><r when='5&#10;pm'/></quoterows><Data><r fieldname='n' "
-                "value='9'/></Data><field name='n' templatetag='fee'/></Data>"),
+      SaveQuote(
+          context, arguments,
+          "<Data><quotefields><quotefield name='No' label='When'/><quotefield name='When'/>"
+          "<other name='No' label='When'/></quotefields><quoterows>"
+          "<r when='1' no='0'/><r/><r/><r/><r when='5&#10;pm'/></quoterows><Data><r fieldname='n' "
+          "value='9'/></Data><field name='n' templatetag='fee'/></Data>"),
       u"success");
   EXPECT_TRUE(world.messages.empty());
   const Object word = world.platform.CreateObject(u"Word.Application", u"");

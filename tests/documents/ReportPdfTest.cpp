@@ -46,7 +46,7 @@ void Script(ScriptedDesktop& desktop) {
 
 // The name as the caller gets it back.
 String Make(ControlContext& context, String unique_name = u"Quote 12:30") {
-  String texts[] = {u"<p>", u"", u"Q-17", u"Quote", u"Fax"};
+  String texts[] = {u"<p>\u0141", u"", u"Q-17", u"Quote", u"Fax"};
   CreateHTMforPDF(context, texts[0], unique_name, texts[1], texts[2], texts[3], texts[4]);
   const ObjectState& state = context.state;
   EXPECT_FALSE(state.acrobat_application || state.acrobat_document || state.acrobat_pd_document ||
@@ -72,7 +72,7 @@ TEST_F(ReportPdf, PageIsConvertedMailedAndRemoved) {
   EXPECT_EQ(log,
             ReplaceAll(uR"(temp file in /tmp/ for Quote 1230; create Scripting.FileSystemObject;
 files.GetFile("/tmp/Quo1A2B.tmp"); page.Name; page.Name = "Quo1A2B.htm"; page.OpenAsTextStream(2);
-page.WriteLine("<p>"); page.Close(); page.Name; create AcroExch.App; create AcroExch.AVDoc;
+page.WriteLine("<p>&#321;"); page.Close(); page.Name; create AcroExch.App; create AcroExch.AVDoc;
 AcroExch.AVDoc.open("/tmp/Quo1A2B.htm", ""); app.GetNumAVDocs(); pause 100; app.GetNumAVDocs();
 app.GetActiveDoc(); window.isValid(); window.GetPDDoc(); content.Create();
 content.save(1, "/tmp/Quote 1230.pdf"); content.Close(); window.Close(True); app.Exit();

@@ -67,7 +67,7 @@ TEST_F(TemplateLists, AThousandLinksAreListedAndMoreThanOneOverIsAnError) {
 TEST_F(TemplateLists, FilesAreFoundByTheirExactName) {
   AnswerFiles(desktop, "C:\\\\D", {u"A.doc", u"b.doc"});
   AnswerFiles(desktop, "/", {u"b.doc"});
-  for (const char16_t* path : {u"C:\\D\\b.doc", u"C:\\D\\b.doc\\", u"C:\\D/b.doc", u"/b.doc"}) {
+  for (const char16_t* path : {u"C:\\D\\b.doc", u"C:\\D\\b.doc\\", u"C:\\D/b.doc/", u"/b.doc"}) {
     EXPECT_TRUE(Find(path)) << ToUtf8(path);
   }
   desktop.Fail("Scripting.FileSystemObject.GetFolder(\"\")", AutomationError(kPathNotFound));
@@ -87,12 +87,16 @@ TEST_F(TemplateLists, FilesAreFoundByTheirExactName) {
 }
 
 TEST_F(TemplateLists, EachFailureIsToldOnce) {
-  const auto script = [](ScriptedDesktop& desktop) { AnswerFiles(desktop, "/t", {u"a.dot"}); };
+  const auto script = [](ScriptedDesktop& desktop) {
+    AnswerFiles(desktop, "/t", {u"b.dot", u"a.dot"});
+  };
   const auto run = [](ControlContext& context, ScriptedDesktop& desktop) {
     String folder = u"/t\\";
     String type = u"home";
     String path = u"/t/a.dot";
-    const bool has_list = GetTemplateList(context, folder, type) == u"a.dot\\";
+    const String list = GetTemplateList(context, folder, type);
+    const bool has_list = list != u"Empty";
+    EXPECT_EQ(list, has_list ? u"b.dot\\a.dot\\" : u"Empty");
     const bool has_file = FindFile(context, path);
     EXPECT_EQ(has_list && has_file, desktop.failed_line.empty());
     EXPECT_EQ(desktop.messages.size(), has_list && has_file ? 0U : 1U);
@@ -101,7 +105,7 @@ TEST_F(TemplateLists, EachFailureIsToldOnce) {
               u"Unable to retrieve a list of templates from '/t\\'. Please check with your system "
               u"administrator that you have access to this location.");
   };
-  EXPECT_EQ(testing::FailEachCall(script, run), 9);
+  EXPECT_EQ(testing::FailEachCall(script, run), 11);
 }
 
 }  // namespace

@@ -55,6 +55,7 @@ TEST(Opening, CodesOfTheShellBecomeTexts) {
            {26, unable + u"a sharing violation has occurred"},
            {27, unable + u"an invalid or incomplete file association exists. " + program},
            {31, unable + u"no file association exists for this file type. " + program},
+           {32, unknown},
            {33, u""},
        }) {
     ScriptedDesktop desktop;
