@@ -106,7 +106,9 @@ std::vector<Row> ReadTable(const Object& table, const std::vector<String>& names
   RowReader reader;
   const Row header = reader.Read(rows.CallChild(u"item", 0));
   const auto columns = FindColumns(header, names);
-  if (header.empty() || !columns) return {};
+  // Pages put tables around others and spacers between them; without captions it is no quote.
+  const auto is_blank = [](const String& text) { return text.empty(); };
+  if (std::all_of(header.begin(), header.end(), is_blank) || !columns) return {};
   const auto choose = [&](const Row& row) { return names.empty() ? row : Choose(row, *columns); };
   std::vector<Row> quote = {choose(header)};
   for (int32_t i = 1; i < count; ++i) {

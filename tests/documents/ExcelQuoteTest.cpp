@@ -43,8 +43,9 @@ TEST_F(ExcelQuotes, WriteTheNamedColumnsOfTheFirstTableThatHasThem) {
       {tables, u" price ,, ITEM,", R"(1, 1"PRICE" 1, 2"item" 2, 1"12.50" 2, 2"Oak,\nold" )"},
       {tables, u"price", R"(1, 1"Price" )"},
       {"<table><tr><td>Unit&nbsp;<br>price</table>", u"unit Price", "1, 1\"Unit\u00A0\\nprice\" "},
-      {"<table></table><table><tr></table><table><tr><td>A<tr><td><td>b</table>", u"",
-       R"(1, 1"A" 2, 2"b" )"},
+      {"<table></table><table><tr></table><table><tr><td>&nbsp;<tr><td>1</table>"
+       "<table><tr><td>A<tr><td><td>b</table>",
+       u"", R"(1, 1"A" 2, 2"b" )"},
       {"<table><tr><td colspan=2>A<td>B<tr><td>1<td>2<td>3</table>", u" , ",
        R"(1, 1"A" 1, 3"B" 2, 1"1" 2, 2"2" 2, 3"3" )"},
       {"<table><tr><td>A<td rowspan=2>B<td>C<tr><td>1<td>3<tr><td>4<td>5</table>", u"c,a",
