@@ -5,18 +5,14 @@
 
 #include "automation/Text.h"
 #include "desktop/converter/HtmlStyles.h"
+#include "desktop/converter/HtmlTags.h"
 #include "desktop/locale/UserLocale.h"
 
 namespace kestrelon::desktop {
 namespace {
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view kMeta = "<meta";
 constexpr std::string_view kCharset = "charset=";
-
-char LowerCaseAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool EqualLowerCase(char c, char lower) { return LowerCaseAscii(c) == lower; }
 
 // `<META Name = "Created" …>` as "<metaname=created…>".
 std::string Squeeze(std::string_view tag) {
@@ -51,10 +47,7 @@ Page ReadMetaTags(std::string_view html) {
   Page page;
   size_t kept = 0;
   for (size_t end = 0; end != std::string_view::npos;) {
-    const std::string_view rest = html.substr(end);
-    const auto tag_start =
-        std::search(rest.begin(), rest.end(), kMeta.begin(), kMeta.end(), EqualLowerCase);
-    const size_t start = end + static_cast<size_t>(tag_start - rest.begin());
+    const size_t start = FindTag(html, "<meta", end);
     end = html.find('>', start);
     if (end == std::string_view::npos) break;
     const std::string tag = Squeeze(html.substr(start, ++end - start));

@@ -3,22 +3,12 @@
 #include <algorithm>
 
 #include "automation/Text.h"
+#include "desktop/converter/HtmlTags.h"
 
 namespace kestrelon::desktop {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\f";
-
-// Where `find`, in lower case, stands in any case from `from` on; the end of the text when nowhere.
-size_t FindTag(std::string_view text, std::string_view find, size_t from) {
-  const auto is_same = [](char c, char lower) {
-    return (c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) == lower;
-  };
-  const std::string_view rest = text.substr(from);
-  const auto* const found =
-      std::search(rest.begin(), rest.end(), find.begin(), find.end(), is_same);
-  return from + static_cast<size_t>(found - rest.begin());
-}
 
 // Takes the text up to the end of `mark` off the front; all of it where there is none.
 std::string_view TakeUpTo(std::string_view& text, std::string_view mark) {
