@@ -14,7 +14,6 @@
 namespace kestrelon {
 namespace {
 
-constexpr size_t kPathSize = 260;  // of a path with its terminator
 constexpr int32_t kForWriting = 2;
 constexpr int32_t kFullSave = 1;
 // How often Acrobat is asked whether the document is there, and the milliseconds between: one
@@ -60,7 +59,7 @@ std::string TempFilePrefix(const String& unique_name) {
 
 // A new file in the folder, named after the report and ready for HTML.
 Object MakeHtmlFile(ControlContext& context, const String& folder, const String& unique_name) {
-  std::string path(kPathSize, '\0');
+  std::string path(kAnsiPathSize, '\0');
   const std::string prefix = TempFilePrefix(unique_name);
   const bool made =
       !folder.empty() && context.platform.GetTempFileNameAnsi(ToAnsi(folder).c_str(),

@@ -44,6 +44,9 @@ using SystemHandle = uint64_t;
 // What OpenInternetUrl is asked for: the server's own answer, never one of the cache.
 constexpr uint32_t kInternetReload = 0x80000000;
 
+// A path of the system's ANSI calls with its terminator (MAX_PATH), in bytes.
+constexpr size_t kAnsiPathSize = 260;
+
 class Platform {
  public:
   virtual ~Platform() = default;
@@ -79,8 +82,8 @@ class Platform {
   virtual std::optional<String> CreateGuid() = 0;
   // GetTempFileNameA: with `unique` 0, makes a new, empty file in `folder`, which may end with a
   // separator. Its name is the first three characters of `prefix`, a number in hexadecimal digits
-  // and ".tmp". Any other `unique` is the number, of 16 bits, and no file is made. `buffer` takes
-  // the path with the terminator, 260 bytes at most. The number; 0 on failure, as for a prefix with
+  // and ".tmp". Any other `unique` is the number, of 16 bits, and no file is made. `buffer` has
+  // kAnsiPathSize bytes and takes the path. The number; 0 on failure, as for a prefix with
   // characters that no file name may have.
   virtual uint32_t GetTempFileNameAnsi(const char* folder, const char* prefix, uint32_t unique,
                                        char* buffer) = 0;

@@ -15,7 +15,6 @@
 namespace kestrelon {
 namespace {
 
-constexpr size_t kPathSize = 260;  // of a path with its terminator
 constexpr size_t kPrefixLength = 3;
 constexpr size_t kLongestEnd = std::string_view("FFFF.tmp").size();
 
@@ -62,7 +61,7 @@ uint32_t LinuxPlatform::GetTempFileNameAnsi(const char* folder, const char* pref
   if (start.empty() || !IsFileName(lead)) return 0;
   if (start.back() != '/' && start.back() != '\\') start += '/';
   start += lead;
-  if (start.size() + kLongestEnd >= kPathSize) return 0;
+  if (start.size() + kLongestEnd >= kAnsiPathSize) return 0;
   const auto number = unique == 0 ? MakeEmptyFile(start) : static_cast<uint16_t>(unique);
   if (number == 0) return 0;
   const std::string path = PathOf(start, number);
