@@ -1,0 +1,36 @@
+// The Windows headers as this code uses them: without the macros that would rename functions of
+// ours, and with the texts of both sides led over. Nothing else includes <windows.h> or what brings
+// it in before this.
+#pragma once
+
+#include <windows.h>
+// These stand on it.
+#include <objsafe.h>
+#include <ole2.h>
+#include <olectl.h>
+#include <shellapi.h>
+#undef ShellExecute
+
+#include <wrl/client.h>
+
+#include <string_view>
+
+#include "automation/Text.h"
+
+namespace kestrelon {
+
+using Microsoft::WRL::ComPtr;
+
+// Both are UTF-16; the systems only disagree about the name of its unit.
+static_assert(sizeof(wchar_t) == sizeof(char16_t));
+inline const wchar_t* AsWide(const String& text) {
+  return reinterpret_cast<const wchar_t*>(text.c_str());
+}
+inline String FromWide(std::wstring_view text) {
+  return String(reinterpret_cast<const char16_t*>(text.data()), text.size());
+}
+
+// The module that this code is linked into.
+HMODULE ThisModule();
+
+}  // namespace kestrelon
