@@ -11,6 +11,6 @@ function(windows_test name)
   add_test(NAME ${name} COMMAND ${name})
 endfunction()
 
-foreach(folder platform/windows)
+foreach(folder frontends/activex platform/windows)
   add_subdirectory(${folder})
 endforeach()

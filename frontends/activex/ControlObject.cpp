@@ -1,0 +1,121 @@
+#include "frontends/activex/ControlObject.h"
+
+#include "frontends/activex/Identifiers.h"
+#include "frontends/activex/MemberDispatch.h"
+#include "frontends/activex/TypeLibrary.h"
+#include "platform/windows/ComErrors.h"
+
+namespace kestrelon {
+namespace {
+
+HRESULT Fail(const AutomationError& error, EXCEPINFO* exception) {
+  FillExceptionInfo(error, kProjectName, exception);
+  return DISP_E_EXCEPTION;
+}
+
+// Set for the time of one call.
+class BusyMark {
+ public:
+  explicit BusyMark(bool& is_busy) : is_busy_(is_busy) { is_busy_ = true; }
+  ~BusyMark() { is_busy_ = false; }
+
+ private:
+  bool& is_busy_;
+};
+
+}  // namespace
+
+STDMETHODIMP ControlObject::QueryInterface(REFIID iid, void** object) {
+  // The default interface has no methods of its own: it is called through IDispatch.
+  return ComClass::QueryInterface(IsEqualIID(iid, kMembersInterface) ? IID_IDispatch : iid, object);
+}
+
+STDMETHODIMP ControlObject::GetTypeInfoCount(UINT* count) {
+  *count = 1;
+  return S_OK;
+}
+
+STDMETHODIMP ControlObject::GetTypeInfo(UINT index, LCID, ITypeInfo** information) {
+  *information = nullptr;
+  return index == 0 ? GetTypeInformation(kMembersInterface, information) : DISP_E_BADINDEX;
+}
+
+STDMETHODIMP ControlObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID,
+                                          DISPID* ids) {
+  if (!IsEqualIID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  return Guard([&] { return FindDispatchIds(names, count, ids); });
+}
+
+STDMETHODIMP ControlObject::Invoke(DISPID dispid, REFIID reserved, LCID locale, WORD flags,
+                                   DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                                   UINT* failed_argument) {
+  if (!IsEqualIID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  if (parameters == nullptr) return E_POINTER;
+  return Guard([&]() -> HRESULT {
+    if (!host_.MayCall()) return Fail(AutomationError(kPermissionDenied), exception);
+    if (is_busy_) {
+      return Fail(AutomationError(RPC_E_SERVERCALL_RETRYLATER,
+                                  u"The control is busy with another call. Call again when that "
+                                  u"has returned."),
+                  exception);
+    }
+    const ComPtr<ControlObject> kept_alive(this);  // a page may let go of it meanwhile
+    const BusyMark mark(is_busy_);
+    return InvokeMember(control_, dispid, locale, flags, *parameters, result, exception,
+                        failed_argument);
+  });
+}
+
+STDMETHODIMP ControlObject::SetSite(IUnknown* site) {
+  return Guard([&] {
+    host_.SetSite(site);
+    return S_OK;
+  });
+}
+
+STDMETHODIMP ControlObject::GetSite(REFIID iid, void** site) { return host_.GetSite(iid, site); }
+
+STDMETHODIMP ControlObject::SetClientSite(IOleClientSite* site) {
+  return Guard([&] {
+    host_.SetClientSite(site);
+    return S_OK;
+  });
+}
+
+STDMETHODIMP ControlObject::GetClientSite(IOleClientSite** site) {
+  return host_.GetClientSite(site);
+}
+
+STDMETHODIMP ControlObject::GetInterfaceSafetyOptions(REFIID, DWORD*, DWORD*) {
+  return E_NOINTERFACE;
+}
+
+STDMETHODIMP ControlObject::SetInterfaceSafetyOptions(REFIID, DWORD, DWORD) {
+  return E_NOINTERFACE;
+}
+
+STDMETHODIMP ControlObject::GetClassInfo(ITypeInfo** information) {
+  return GetTypeInformation(kControlClass, information);
+}
+
+STDMETHODIMP ControlObject::GetGUID(DWORD kind, GUID* guid) {
+  if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
+  *guid = kEventsInterface;
+  return S_OK;
+}
+
+STDMETHODIMP ControlObject::InterfaceSupportsErrorInfo(REFIID iid) {
+  return IsEqualIID(iid, kMembersInterface) || IsEqualIID(iid, IID_IDispatch) ? S_OK : S_FALSE;
+}
+
+STDMETHODIMP ControlObject::EnumConnectionPoints(IEnumConnectionPoints** points) {
+  *points = nullptr;
+  return E_NOTIMPL;
+}
+
+STDMETHODIMP ControlObject::FindConnectionPoint(REFIID, IConnectionPoint** point) {
+  *point = nullptr;
+  return CONNECT_E_NOCONNECTION;
+}
+
+}  // namespace kestrelon
