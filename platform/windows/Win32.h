@@ -19,7 +19,18 @@
 
 namespace kestrelon {
 
-using Microsoft::WRL::ComPtr;
+// Owns a reference to a COM object.
+template <typename Interface>
+class ComPtr : public Microsoft::WRL::ComPtr<Interface> {
+ public:
+  using Base = Microsoft::WRL::ComPtr<Interface>;
+  using Base::Base;
+  using Base::operator=;
+
+  // Takes over the caller's reference. NOTE: that of mingw-w64's header counts one more, which
+  // nobody would release.
+  void Attach(Interface* object) { *this->ReleaseAndGetAddressOf() = object; }
+};
 
 // Both are UTF-16; the systems only disagree about the name of its unit.
 static_assert(sizeof(wchar_t) == sizeof(char16_t));
