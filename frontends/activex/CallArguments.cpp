@@ -181,7 +181,7 @@ void StoreThrough(const VARIANT& reference, LCID locale, const Variant& value) {
 CallArguments::CallArguments(const Member& member, LCID locale, DISPPARAMS& parameters)
     : member_(member), locale_(locale), parameters_(parameters) {}
 
-HRESULT CallArguments::Receive(UINT& failed_argument) {
+HRESULT CallArguments::Receive(UINT* failed_argument) {
   const size_t count = parameters_.cArgs;
   if (parameters_.cNamedArgs > count || (count != 0 && parameters_.rgvarg == nullptr) ||
       (parameters_.cNamedArgs != 0 && parameters_.rgdispidNamedArgs == nullptr)) {
@@ -195,7 +195,7 @@ HRESULT CallArguments::Receive(UINT& failed_argument) {
   return FAILED(result) ? result : Convert(failed_argument);
 }
 
-HRESULT CallArguments::Place(UINT& failed_argument) {
+HRESULT CallArguments::Place(UINT* failed_argument) {
   const UINT positional = parameters_.cArgs - parameters_.cNamedArgs;
   for (UINT i = 0; i < positional; ++i) given_[i] = &parameters_.rgvarg[parameters_.cArgs - 1 - i];
   for (UINT i = 0; i < parameters_.cNamedArgs; ++i) {
@@ -203,7 +203,7 @@ HRESULT CallArguments::Place(UINT& failed_argument) {
     const bool is_new_value = id == DISPID_PROPERTYPUT && member_.kind == MemberKind::kPropertyPut;
     const size_t index = is_new_value ? given_.size() - 1 : static_cast<size_t>(id);
     if (index >= given_.size() || given_[index] != nullptr) {
-      failed_argument = i;
+      if (failed_argument != nullptr) *failed_argument = i;
       return DISP_E_PARAMNOTFOUND;
     }
     given_[index] = &parameters_.rgvarg[i];
@@ -211,16 +211,16 @@ HRESULT CallArguments::Place(UINT& failed_argument) {
   return S_OK;
 }
 
-HRESULT CallArguments::Convert(UINT& failed_argument) {
+HRESULT CallArguments::Convert(UINT* failed_argument) {
   values_.assign(given_.size(), Value::Omitted());
   received_ = values_;
   for (size_t i = 0; i < given_.size(); ++i) {
     const HRESULT result = ConvertOne(i);
-    if (FAILED(result)) {
-      const VARIANT* argument = given_[i];
-      if (argument != nullptr) failed_argument = static_cast<UINT>(argument - parameters_.rgvarg);
-      return result;
+    if (SUCCEEDED(result)) continue;
+    if (failed_argument != nullptr && given_[i] != nullptr) {
+      *failed_argument = static_cast<UINT>(given_[i] - parameters_.rgvarg);
     }
+    return result;
   }
   return S_OK;
 }

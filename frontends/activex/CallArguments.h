@@ -13,14 +13,14 @@ class CallArguments {
   // `parameters` belongs to the caller, and must outlive this. `locale` is that of the conversions.
   CallArguments(const Member& member, LCID locale, DISPPARAMS& parameters);
 
-  // Finds every argument's parameter and converts it; `failed_argument` is the place of the one at
-  // fault, where there is one.
+  // Finds every argument's parameter and converts it; `failed_argument`, which may be null, gets
+  // the place of the one at fault where there is one.
   //
   // - DISP_E_BADPARAMCOUNT: more arguments than parameters, or fewer than required ones.
   // - DISP_E_PARAMNOTFOUND: a name that the member does not have, or a parameter given twice.
   // - DISP_E_PARAMNOTOPTIONAL: enough arguments, but not the required ones.
   // - DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW: an argument that does not become the parameter's type.
-  HRESULT Receive(UINT& failed_argument);
+  HRESULT Receive(UINT* failed_argument);
 
   // One value a parameter, for Member::invoke, which stores into them.
   std::vector<Value>& values() { return values_; }
@@ -34,8 +34,8 @@ class CallArguments {
   void WriteBack();
 
  private:
-  HRESULT Place(UINT& failed_argument);
-  HRESULT Convert(UINT& failed_argument);
+  HRESULT Place(UINT* failed_argument);
+  HRESULT Convert(UINT* failed_argument);
   HRESULT ConvertOne(size_t index);
 
   const Member& member_;

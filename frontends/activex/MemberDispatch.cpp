@@ -89,12 +89,8 @@ HRESULT CallMember(KestrelonControl& control, const Member& member, LCID locale,
                    UINT* failed_argument) {
   if (result != nullptr) VariantInit(result);
   CallArguments arguments(member, locale, parameters);
-  UINT place = 0;
-  const HRESULT received = arguments.Receive(place);
-  if (FAILED(received)) {
-    if (failed_argument != nullptr) *failed_argument = place;
-    return received;
-  }
+  const HRESULT received = arguments.Receive(failed_argument);
+  if (FAILED(received)) return received;
   try {
     const Value answer = control.Invoke(member, arguments.values());
     if (result != nullptr) StoreTyped(member.result, answer, *result);
