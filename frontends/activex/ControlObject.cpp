@@ -2,7 +2,6 @@
 
 #include "frontends/activex/Identifiers.h"
 #include "frontends/activex/MemberDispatch.h"
-#include "frontends/activex/TypeLibrary.h"
 #include "platform/windows/ComErrors.h"
 
 namespace kestrelon {
@@ -37,7 +36,8 @@ STDMETHODIMP ControlObject::GetTypeInfoCount(UINT* count) {
 
 STDMETHODIMP ControlObject::GetTypeInfo(UINT index, LCID, ITypeInfo** information) {
   *information = nullptr;
-  return index == 0 ? GetTypeInformation(kMembersInterface, information) : DISP_E_BADINDEX;
+  return index == 0 ? type_library_.GetTypeInformation(kMembersInterface, information)
+                    : DISP_E_BADINDEX;
 }
 
 STDMETHODIMP ControlObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID,
@@ -95,7 +95,7 @@ STDMETHODIMP ControlObject::SetInterfaceSafetyOptions(REFIID, DWORD, DWORD) {
 }
 
 STDMETHODIMP ControlObject::GetClassInfo(ITypeInfo** information) {
-  return GetTypeInformation(kControlClass, information);
+  return type_library_.GetTypeInformation(kControlClass, information);
 }
 
 STDMETHODIMP ControlObject::GetGUID(DWORD kind, GUID* guid) {

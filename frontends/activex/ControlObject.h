@@ -7,6 +7,7 @@
 #include "Control/KestrelonControl.h"
 #include "frontends/activex/EmbeddedObject.h"
 #include "frontends/activex/HostSite.h"
+#include "frontends/activex/TypeLibrary.h"
 #include "platform/windows/ComClass.h"
 #include "platform/windows/WindowsPlatform.h"
 
@@ -58,6 +59,7 @@ class ControlObject final
   HostSite host_;
   WindowsPlatform platform_{[this] { return host_.Window(); }};
   KestrelonControl control_{platform_};
+  TypeLibrary type_library_;
   bool is_busy_ = false;  // while a member works
 };
 
