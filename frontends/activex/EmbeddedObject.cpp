@@ -3,13 +3,6 @@
 #include "frontends/activex/Identifiers.h"
 
 namespace kestrelon {
-namespace {
-
-constexpr DWORD kMiscStatus = OLEMISC_INVISIBLEATRUNTIME | OLEMISC_SETCLIENTSITEFIRST |
-                              OLEMISC_INSIDEOUT | OLEMISC_NOUIACTIVATE;
-
-}  // namespace
-
 STDMETHODIMP EmbeddedObject::SetHostNames(LPCOLESTR, LPCOLESTR) { return S_OK; }
 STDMETHODIMP EmbeddedObject::Close(DWORD) { return S_OK; }
 STDMETHODIMP EmbeddedObject::SetMoniker(DWORD, IMoniker*) { return S_OK; }

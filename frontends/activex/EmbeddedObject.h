@@ -9,6 +9,9 @@ namespace kestrelon {
 // Everything of IOleObject but the site, which is the control's own affair.
 class EmbeddedObject : public IOleObject {
  public:
+  static constexpr DWORD kMiscStatus = OLEMISC_INVISIBLEATRUNTIME | OLEMISC_SETCLIENTSITEFIRST |
+                                       OLEMISC_INSIDEOUT | OLEMISC_NOUIACTIVATE;
+
   STDMETHODIMP SetHostNames(LPCOLESTR application, LPCOLESTR document) override;
   STDMETHODIMP Close(DWORD save) override;
   STDMETHODIMP SetMoniker(DWORD which, IMoniker* moniker) override;

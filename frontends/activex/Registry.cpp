@@ -1,0 +1,110 @@
+#include "frontends/activex/Registry.h"
+
+#include <ranges>
+
+namespace kestrelon {
+namespace {
+
+class RegistryKey {
+ public:
+  RegistryKey() = default;
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+  ~RegistryKey() {
+    if (key_ != nullptr) RegCloseKey(key_);
+  }
+  HKEY get() const { return key_; }
+  HKEY* Receive() { return &key_; }  // to be filled in once
+
+ private:
+  HKEY key_ = nullptr;
+};
+
+// The first of the keys that lead to `key` which does not exist; empty when all do.
+String FirstMissing(HKEY root, const String& key) {
+  for (size_t end = key.find(u'\\');; end = key.find(u'\\', end + 1)) {
+    String level = key.substr(0, end);
+    if (!HasRegistryKey(root, level)) return level;
+    if (end == String::npos) return {};
+  }
+}
+
+}  // namespace
+
+bool HasRegistryKey(HKEY root, const String& key, REGSAM view) {
+  RegistryKey opened;
+  return RegOpenKeyExW(root, AsWide(key), 0, KEY_READ | view, opened.Receive()) == ERROR_SUCCESS;
+}
+
+String ReadRegistryText(HKEY root, const String& key) {
+  DWORD size = 0;  // in bytes, with the terminating zero
+  if (RegGetValueW(root, AsWide(key), nullptr, RRF_RT_REG_SZ, nullptr, nullptr, &size) !=
+      ERROR_SUCCESS) {
+    return {};
+  }
+  std::wstring text(size / sizeof(wchar_t), L'\0');
+  if (RegGetValueW(root, AsWide(key), nullptr, RRF_RT_REG_SZ, nullptr, text.data(), &size) !=
+      ERROR_SUCCESS) {
+    return {};
+  }
+  return FromWide(text.c_str());
+}
+
+LSTATUS DeleteRegistryTree(HKEY root, const String& key) {
+  const LSTATUS status = RegDeleteTreeW(root, AsWide(key));
+  return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
+}
+
+void DeleteEmptyRegistryKey(HKEY root, const String& key) { RegDeleteKeyW(root, AsWide(key)); }
+
+RegistryChanges::~RegistryChanges() {
+  for (const Undo& undo : std::views::reverse(undo_)) {
+    if (undo.is_new_key) {
+      DeleteRegistryTree(root_, undo.key);
+      continue;
+    }
+    RegistryKey key;
+    if (RegOpenKeyExW(root_, AsWide(undo.key), 0, KEY_WRITE, key.Receive()) != ERROR_SUCCESS) {
+      continue;
+    }
+    if (undo.old_value) {
+      RegSetValueExW(key.get(), AsWide(undo.name), 0, undo.old_value->type,
+                     undo.old_value->bytes.data(),
+                     static_cast<DWORD>(undo.old_value->bytes.size()));
+    } else {
+      RegDeleteValueW(key.get(), AsWide(undo.name));
+    }
+  }
+}
+
+LSTATUS RegistryChanges::Write(const String& key, const String& name, const String& text) {
+  undo_.reserve(undo_.size() + 1);
+  Undo undo{FirstMissing(root_, key), true, name, std::nullopt};
+  if (undo.key.empty()) undo = {key, false, name, std::nullopt};
+  RegistryKey opened;
+  const LSTATUS status =
+      RegCreateKeyExW(root_, AsWide(key), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                      KEY_QUERY_VALUE | KEY_SET_VALUE, nullptr, opened.Receive(), nullptr);
+  if (status != ERROR_SUCCESS) return status;
+  if (!undo.is_new_key) undo.old_value = Read(opened.get(), name);
+  undo_.push_back(std::move(undo));
+  return RegSetValueExW(opened.get(), AsWide(name), 0, REG_SZ,
+                        reinterpret_cast<const BYTE*>(text.c_str()),
+                        static_cast<DWORD>((text.size() + 1) * sizeof(char16_t)));
+}
+
+std::optional<RegistryChanges::Value> RegistryChanges::Read(HKEY key, const String& name) const {
+  DWORD size = 0;
+  if (RegQueryValueExW(key, AsWide(name), nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS) {
+    return std::nullopt;
+  }
+  Value value;
+  value.bytes.resize(size);
+  if (RegQueryValueExW(key, AsWide(name), nullptr, &value.type, value.bytes.data(), &size) !=
+      ERROR_SUCCESS) {
+    return std::nullopt;
+  }
+  return value;
+}
+
+}  // namespace kestrelon
