@@ -30,11 +30,13 @@ STDMETHODIMP ControlObject::QueryInterface(REFIID iid, void** object) {
 }
 
 STDMETHODIMP ControlObject::GetTypeInfoCount(UINT* count) {
+  if (count == nullptr) return E_POINTER;
   *count = 1;
   return S_OK;
 }
 
 STDMETHODIMP ControlObject::GetTypeInfo(UINT index, LCID, ITypeInfo** information) {
+  if (information == nullptr) return E_POINTER;
   *information = nullptr;
   return index == 0 ? type_library_.GetTypeInformation(kMembersInterface, information)
                     : DISP_E_BADINDEX;
@@ -99,6 +101,8 @@ STDMETHODIMP ControlObject::GetClassInfo(ITypeInfo** information) {
 }
 
 STDMETHODIMP ControlObject::GetGUID(DWORD kind, GUID* guid) {
+  if (guid == nullptr) return E_POINTER;
+  *guid = GUID_NULL;
   if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) return E_INVALIDARG;
   *guid = kEventsInterface;
   return S_OK;
@@ -109,13 +113,13 @@ STDMETHODIMP ControlObject::InterfaceSupportsErrorInfo(REFIID iid) {
 }
 
 STDMETHODIMP ControlObject::EnumConnectionPoints(IEnumConnectionPoints** points) {
-  *points = nullptr;
-  return E_NOTIMPL;
+  return EnumeratePoint(events_.Get(), points);
 }
 
-STDMETHODIMP ControlObject::FindConnectionPoint(REFIID, IConnectionPoint** point) {
+STDMETHODIMP ControlObject::FindConnectionPoint(REFIID iid, IConnectionPoint** point) {
+  if (point == nullptr) return E_POINTER;
   *point = nullptr;
-  return CONNECT_E_NOCONNECTION;
+  return IsEqualIID(iid, kEventsInterface) ? events_.CopyTo(point) : CONNECT_E_NOCONNECTION;
 }
 
 }  // namespace kestrelon

@@ -6,6 +6,7 @@
 
 #include "Control/KestrelonControl.h"
 #include "frontends/activex/EmbeddedObject.h"
+#include "frontends/activex/EventPoint.h"
 #include "frontends/activex/HostSite.h"
 #include "frontends/activex/TypeLibrary.h"
 #include "platform/windows/ComClass.h"
@@ -26,6 +27,7 @@ class ControlObject final
     : public ComClass<IDispatch, EmbeddedObject, IObjectSafety, IObjectWithSite, IProvideClassInfo2,
                       ISupportErrorInfo, IConnectionPointContainer> {
  public:
+  ~ControlObject() override { events_->Disconnect(); }
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
 
   // The members. A host that may not call gets error 70 "Permission denied", and nothing is done.
@@ -60,6 +62,7 @@ class ControlObject final
   WindowsPlatform platform_{[this] { return host_.Window(); }};
   KestrelonControl control_{platform_};
   TypeLibrary type_library_;
+  const ComPtr<EventPoint> events_ = MakeComObject<EventPoint>(*this);
   bool is_busy_ = false;  // while a member works
 };
 

@@ -3,52 +3,68 @@
 #include "frontends/activex/Identifiers.h"
 
 namespace kestrelon {
+namespace {
+
+// For what the control has none of.
+template <typename Interface>
+HRESULT None(Interface** object, HRESULT result) {
+  if (object == nullptr) return E_POINTER;
+  *object = nullptr;
+  return result;
+}
+
+}  // namespace
+
 STDMETHODIMP EmbeddedObject::SetHostNames(LPCOLESTR, LPCOLESTR) { return S_OK; }
 STDMETHODIMP EmbeddedObject::Close(DWORD) { return S_OK; }
 STDMETHODIMP EmbeddedObject::SetMoniker(DWORD, IMoniker*) { return S_OK; }
 STDMETHODIMP EmbeddedObject::GetMoniker(DWORD, DWORD, IMoniker** moniker) {
-  *moniker = nullptr;
-  return E_FAIL;
+  return None(moniker, E_FAIL);
 }
 STDMETHODIMP EmbeddedObject::InitFromData(IDataObject*, BOOL, DWORD) { return S_FALSE; }
 STDMETHODIMP EmbeddedObject::GetClipboardData(DWORD, IDataObject** data) {
-  *data = nullptr;
-  return E_NOTIMPL;
+  return None(data, E_NOTIMPL);
 }
+// Hosts show and activate whatever they place, and take a failure for a broken control.
 STDMETHODIMP EmbeddedObject::DoVerb(LONG, LPMSG, IOleClientSite*, LONG, HWND, LPCRECT) {
   return S_OK;
 }
 STDMETHODIMP EmbeddedObject::EnumVerbs(IEnumOLEVERB** verbs) {
-  *verbs = nullptr;
-  return OLEOBJ_E_NOVERBS;
+  return None(verbs, OLEOBJ_E_NOVERBS);
 }
 STDMETHODIMP EmbeddedObject::Update() { return S_OK; }
 STDMETHODIMP EmbeddedObject::IsUpToDate() { return S_OK; }
 STDMETHODIMP EmbeddedObject::GetUserClassID(CLSID* clsid) {
+  if (clsid == nullptr) return E_POINTER;
   *clsid = kControlClass;
   return S_OK;
 }
 STDMETHODIMP EmbeddedObject::GetUserType(DWORD form, LPOLESTR* name) {
-  return OleRegGetUserType(kControlClass, form, name);
+  return name == nullptr ? E_POINTER : OleRegGetUserType(kControlClass, form, name);
 }
-STDMETHODIMP EmbeddedObject::SetExtent(DWORD, SIZEL* size) {
+STDMETHODIMP EmbeddedObject::SetExtent(DWORD aspect, SIZEL* size) {
+  if (size == nullptr) return E_POINTER;
+  if (aspect != DVASPECT_CONTENT) return DV_E_DVASPECT;
   size_ = *size;
   return S_OK;
 }
-STDMETHODIMP EmbeddedObject::GetExtent(DWORD, SIZEL* size) {
+STDMETHODIMP EmbeddedObject::GetExtent(DWORD aspect, SIZEL* size) {
+  if (size == nullptr) return E_POINTER;
+  if (aspect != DVASPECT_CONTENT) return DV_E_DVASPECT;
   *size = size_;
   return S_OK;
 }
 STDMETHODIMP EmbeddedObject::Advise(IAdviseSink*, DWORD* connection) {
+  if (connection == nullptr) return E_POINTER;
   *connection = 0;
   return OLE_E_ADVISENOTSUPPORTED;
 }
 STDMETHODIMP EmbeddedObject::Unadvise(DWORD) { return OLE_E_NOCONNECTION; }
 STDMETHODIMP EmbeddedObject::EnumAdvise(IEnumSTATDATA** connections) {
-  *connections = nullptr;
-  return OLE_E_ADVISENOTSUPPORTED;
+  return None(connections, OLE_E_ADVISENOTSUPPORTED);
 }
 STDMETHODIMP EmbeddedObject::GetMiscStatus(DWORD, DWORD* status) {
+  if (status == nullptr) return E_POINTER;
   *status = kMiscStatus;
   return S_OK;
 }

@@ -6,9 +6,11 @@
 
 namespace kestrelon {
 
-// Everything of IOleObject but the site, which is the control's own affair.
+// Everything of IOleObject but the site, which is the control's own affair. The control answers no
+// interface for storing or initialising: a host would then ask whether its data is safe to take.
 class EmbeddedObject : public IOleObject {
  public:
+  // Also what is registered.
   static constexpr DWORD kMiscStatus = OLEMISC_INVISIBLEATRUNTIME | OLEMISC_SETCLIENTSITEFIRST |
                                        OLEMISC_INSIDEOUT | OLEMISC_NOUIACTIVATE;
 
