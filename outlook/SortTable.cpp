@@ -22,7 +22,8 @@ void AddText(const Object& document, const Object& parent, StringView name, cons
 void AddAttribute(const Object& document, const Object& element, StringView name, StringView text) {
   const Object attribute = document.CallChild(u"createAttribute", name);
   attribute.Put(u"text", text);
-  element.Call(u"appendChild", attribute);
+  // Not every version of MSXML takes an attribute for a child.
+  element.Call(u"setAttributeNode", attribute);
 }
 
 Object BuildData(ControlContext& context, const SortTable& table) {
