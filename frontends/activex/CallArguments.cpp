@@ -39,8 +39,8 @@ bool IsObject(const VARIANT& variant) {
   return variant.vt == VT_DISPATCH || variant.vt == VT_UNKNOWN;
 }
 
-// Replaces the object in `variant` by the value of its default member. VariantChangeTypeEx would
-// ask for a property alone, which the objects of some script engines do not answer.
+// Replaces the object in `variant` by the value of its default member. Objects of a script are only
+// asked, for calling one runs it; what others have may be a method.
 HRESULT AskDefaultMember(Variant& variant) {
   ComPtr<IDispatch> object;
   if (variant.punkVal == nullptr ||
@@ -49,9 +49,12 @@ HRESULT AskDefaultMember(Variant& variant) {
   }
   DISPPARAMS none{};
   Variant answer;
-  const HRESULT result =
-      object->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT,
-                     DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &answer, nullptr, nullptr);
+  HRESULT result = DISP_E_MEMBERNOTFOUND;
+  for (const WORD flags : {DISPATCH_PROPERTYGET, DISPATCH_PROPERTYGET | DISPATCH_METHOD}) {
+    result = object->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, flags, &none, &answer,
+                            nullptr, nullptr);
+    if (result != DISP_E_MEMBERNOTFOUND) break;
+  }
   if (FAILED(result)) return DISP_E_TYPEMISMATCH;
   std::swap(static_cast<VARIANT&>(variant), static_cast<VARIANT&>(answer));
   return S_OK;
