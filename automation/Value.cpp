@@ -38,6 +38,17 @@ Integer RoundInto(double number) {
   return static_cast<Integer>(rounded);
 }
 
+// What an object stands for: its default member's value, which may again be an object. Error 13 for
+// one that leads nowhere, such as an object that is its own default member.
+Value ValueBehind(Value value) {
+  constexpr int kMaxDepth = 16;
+  for (int depth = 0; depth < kMaxDepth; ++depth) {
+    if (!value.IsObject()) return value;
+    value = value.ToObject().GetDefault();
+  }
+  throw AutomationError(kTypeMismatch);
+}
+
 bool IsNumber(const Value& value) {
   return value.IsInteger() || value.IsDouble() || value.IsBoolean() || value.IsDate();
 }
@@ -63,7 +74,7 @@ String Value::ToText() const {
   if (IsInteger()) return FromUtf8(std::to_string(AsInteger()));
   if (IsDouble()) return FormatDouble(AsDouble());
   if (IsDate()) return FormatDate(AsDate());
-  if (IsObject()) return ToObject().GetDefault().ToText();
+  if (IsObject()) return ValueBehind(*this).ToText();
   throw AutomationError(kTypeMismatch);
 }
 
@@ -91,7 +102,7 @@ double Value::ToDouble() const {
   if (IsDate()) return AsDate().days;
   if (IsEmpty()) return 0;
   if (IsNull()) throw AutomationError(kInvalidUseOfNull);
-  if (IsObject()) return ToObject().GetDefault().ToDouble();
+  if (IsObject()) return ValueBehind(*this).ToDouble();
   if (IsString()) {
     const std::optional<double> number = ParseNumber(AsString());
     if (number) return *number;
@@ -112,8 +123,8 @@ Object Value::ToObject() const {
 
 bool LooselyEqual(const Value& a, const Value& b) {
   if (a.IsNull() || b.IsNull()) return false;
-  if (a.IsObject()) return LooselyEqual(a.ToObject().GetDefault(), b);
-  if (b.IsObject()) return LooselyEqual(a, b.ToObject().GetDefault());
+  if (a.IsObject()) return LooselyEqual(ValueBehind(a), b);
+  if (b.IsObject()) return LooselyEqual(a, ValueBehind(b));
   if (IsNumber(a) && IsNumber(b)) return a.ToDouble() == b.ToDouble();
   if (IsNumber(a) && b.IsString()) return LooselyEqual(b, a);
   if (a.IsString() && IsNumber(b)) {

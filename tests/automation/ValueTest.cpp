@@ -67,5 +67,32 @@ TEST(Date, TakesApartWhatItPutTogether) {
   EXPECT_EQ(NumberOf([] { ParseDate(u"2026-02-30"); }), kTypeMismatch);
 }
 
+// Its default member gives what it was made with, or itself.
+class Standing final : public DispatchObject, public std::enable_shared_from_this<Standing> {
+ public:
+  explicit Standing(std::optional<Value> value) : value_(std::move(value)) {}
+  Value Invoke(InvokeKind, StringView, const Arguments&) override {
+    return value_ ? *value_ : DispatchPointer(shared_from_this());
+  }
+  String TypeName() const override { return u"Standing"; }
+
+ private:
+  const std::optional<Value> value_;
+};
+
+TEST(Value, FollowsDefaultMembersToAnEnd) {
+  const auto standing_for = [](std::optional<Value> value) {
+    return Value(DispatchPointer(std::make_shared<Standing>(std::move(value))));
+  };
+  const Value twice = standing_for(standing_for(u"12"));
+  EXPECT_EQ(twice.ToText(), u"12");
+  EXPECT_EQ(twice.ToLong(), 12);
+  EXPECT_TRUE(LooselyEqual(twice, 12));
+  const Value endless = standing_for(std::nullopt);
+  EXPECT_EQ(NumberOf([&] { endless.ToText(); }), kTypeMismatch);
+  EXPECT_EQ(NumberOf([&] { endless.ToBoolean(); }), kTypeMismatch);
+  EXPECT_EQ(NumberOf([&] { LooselyEqual(1, endless); }), kTypeMismatch);
+}
+
 }  // namespace
 }  // namespace kestrelon
