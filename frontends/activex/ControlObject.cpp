@@ -54,6 +54,7 @@ STDMETHODIMP ControlObject::Invoke(DISPID dispid, REFIID reserved, LCID locale, 
   if (!IsEqualIID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
   if (parameters == nullptr) return E_POINTER;
   return Guard([&]() -> HRESULT {
+    const ComPtr<ControlObject> kept_alive(this);  // a page may let go of it meanwhile
     if (!host_.MayCall()) return Fail(AutomationError(kPermissionDenied), exception);
     if (is_busy_) {
       return Fail(AutomationError(RPC_E_SERVERCALL_RETRYLATER,
@@ -61,7 +62,6 @@ STDMETHODIMP ControlObject::Invoke(DISPID dispid, REFIID reserved, LCID locale, 
                                   u"has returned."),
                   exception);
     }
-    const ComPtr<ControlObject> kept_alive(this);  // a page may let go of it meanwhile
     const BusyMark mark(is_busy_);
     return InvokeMember(control_, dispid, locale, flags, *parameters, result, exception,
                         failed_argument);
@@ -70,6 +70,7 @@ STDMETHODIMP ControlObject::Invoke(DISPID dispid, REFIID reserved, LCID locale, 
 
 STDMETHODIMP ControlObject::SetSite(IUnknown* site) {
   return Guard([&] {
+    const ComPtr<ControlObject> kept_alive(this);
     host_.SetSite(site);
     return S_OK;
   });
@@ -79,6 +80,7 @@ STDMETHODIMP ControlObject::GetSite(REFIID iid, void** site) { return host_.GetS
 
 STDMETHODIMP ControlObject::SetClientSite(IOleClientSite* site) {
   return Guard([&] {
+    const ComPtr<ControlObject> kept_alive(this);
     host_.SetClientSite(site);
     return S_OK;
   });
@@ -88,12 +90,29 @@ STDMETHODIMP ControlObject::GetClientSite(IOleClientSite** site) {
   return host_.GetClientSite(site);
 }
 
-STDMETHODIMP ControlObject::GetInterfaceSafetyOptions(REFIID, DWORD*, DWORD*) {
-  return E_NOINTERFACE;
+STDMETHODIMP ControlObject::GetInterfaceSafetyOptions(REFIID iid, DWORD* supported,
+                                                      DWORD* enabled) {
+  if (supported == nullptr || enabled == nullptr) return E_POINTER;
+  *supported = *enabled = 0;
+  if (!IsEqualIID(iid, IID_IDispatch)) return E_NOINTERFACE;
+  return Guard([&] {
+    const ComPtr<ControlObject> kept_alive(this);
+    *supported = INTERFACESAFE_FOR_UNTRUSTED_CALLER;
+    *enabled = host_.IsSafetyClaimed() ? INTERFACESAFE_FOR_UNTRUSTED_CALLER : 0;
+    return S_OK;
+  });
 }
 
-STDMETHODIMP ControlObject::SetInterfaceSafetyOptions(REFIID, DWORD, DWORD) {
-  return E_NOINTERFACE;
+STDMETHODIMP ControlObject::SetInterfaceSafetyOptions(REFIID iid, DWORD mask, DWORD enabled) {
+  if (!IsEqualIID(iid, IID_IDispatch)) return E_NOINTERFACE;
+  if ((mask & ~DWORD{INTERFACESAFE_FOR_UNTRUSTED_CALLER}) != 0) return E_FAIL;
+  if (mask == 0) return S_OK;
+  return Guard([&] {
+    const ComPtr<ControlObject> kept_alive(this);
+    if (enabled != 0) return host_.ClaimSafety() ? S_OK : E_FAIL;
+    host_.WithdrawSafety();
+    return S_OK;
+  });
 }
 
 STDMETHODIMP ControlObject::GetClassInfo(ITypeInfo** information) {

@@ -9,12 +9,16 @@ namespace kestrelon {
 // What leads from a control to its host. A host gives one site or both: script engines and browsers
 // the first (IObjectWithSite), containers of controls the second (IOleObject).
 //
-// - Without a site the host is an application or a script of the user's own, which may do as it
-//   likes anyway.
-// - A site that leads to a page serves it when its address is allowed (AccessPolicy.h), when the
-//   site is set and at every call again, since a page can navigate. A page once refused stays
-//   refused as long as it is the host, and a control that a page has let go of serves nobody until
-//   it is sited again.
+// - Without a site, or with one that leads to no page (PageAddress.h), the host is an application
+//   or a script of the user's own, which may do as it likes anyway.
+// - A page may call when the control's kill flag is not set and every address found for it is
+//   allowed (AccessPolicy.h): both are looked up when the site is set, and at every call again,
+//   since a page can navigate. A page once refused stays refused as long as its site is set, even
+//   when it navigates back; so does one that can no longer be found.
+// - With both sites set, each must be such that its host may call.
+// - A control whose page has taken its site away serves nobody until it is sited again.
+// - A control that has claimed to be safe for untrusted callers serves allowed pages alone, which
+//   makes the claim true also before the host gives a site, as script engines want it.
 class HostSite {
  public:
   void SetSite(IUnknown* site);
@@ -23,15 +27,37 @@ class HostSite {
   HRESULT GetClientSite(IOleClientSite** site) const;
 
   // Whether the host may call now.
-  bool MayCall() const;
-  // Whether the host is a page that may: what the control's claim to be safe for scripting means.
-  bool IsAllowedPage() const;
+  bool MayCall();
+
+  // Makes the claim to be safe for untrusted callers. False, and nothing changed, when it cannot be
+  // made to this host: it is neither an allowed page nor one that has not given its site yet.
+  bool ClaimSafety();
+  void WithdrawSafety() { is_safety_claimed_ = false; }
+  // Whether the claim is made, and holds for the host as it is now.
+  bool IsSafetyClaimed();
+
   // The window that the host shows its page or document in; null where it has none.
   HWND Window() const;
 
  private:
-  ComPtr<IUnknown> site_;
-  ComPtr<IOleClientSite> client_site_;
+  // The more there is to heed, the later it stands.
+  enum class Host { kNone, kApplication, kAllowedPage, kRefused };
+
+  struct Seat {
+    ComPtr<IUnknown> site;
+    bool is_page = false;  // it has led to one since it is set
+    bool is_refused = false;
+  };
+
+  void Set(Seat& seat, IUnknown* site);
+  Host Examine();
+  Host Examine(Seat& seat);
+
+  Seat site_;
+  Seat client_site_;
+  uint32_t sitings_ = 0;    // how often a site was set
+  bool is_let_go_ = false;  // a page took its site away, and nobody sited it since
+  bool is_safety_claimed_ = false;
 };
 
 }  // namespace kestrelon

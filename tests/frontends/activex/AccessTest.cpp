@@ -1,0 +1,345 @@
+// Who may call the control: pages, applications and scripts, on a machine with its own zones,
+// allow-list and kill flags.
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "frontends/activex/ClassFactory.h"
+#include "frontends/activex/HostSite.h"
+#include "platform/windows/ComErrors.h"
+#include "tests/frontends/activex/StandInHost.h"
+
+namespace kestrelon {
+namespace {
+
+const std::string kZones =
+    "Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings\\ZoneMap\\Domains\\";
+constexpr char kAllowList[] = "SOFTWARE\\Kestrelon\\KestrelonControl2005\\AllowedSites";
+constexpr char kPolicy[] = "SOFTWARE\\Policies\\Kestrelon\\KestrelonControl2005\\AllowedSites";
+constexpr char kKillFlags[] =
+    "SOFTWARE\\Microsoft\\Internet Explorer\\ActiveX Compatibility\\"
+    "{464659AF-EFF8-4458-A26F-CF8BAA70BCAF}";
+
+// A key of the registry for the time of a test.
+class TestKey {
+ public:
+  TestKey(HKEY root, const std::string& path, REGSAM view = KEY_WOW64_64KEY)
+      : root_(root), path_(path), view_(view) {
+    EXPECT_EQ(RegCreateKeyExA(root, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | view, nullptr,
+                              &key_, nullptr),
+              ERROR_SUCCESS);
+  }
+  TestKey(const TestKey&) = delete;
+  ~TestKey() {
+    RegCloseKey(key_);
+    EXPECT_EQ(RegDeleteKeyExA(root_, path_.c_str(), view_, 0), ERROR_SUCCESS);
+  }
+  void Set(const std::string& name, const std::string& text, DWORD type = REG_SZ) {
+    RegSetKeyValueA(key_, nullptr, name.c_str(), type, text.c_str(),
+                    static_cast<DWORD>(text.size() + 1));
+  }
+  void Set(const std::string& name, DWORD number) {
+    RegSetKeyValueA(key_, nullptr, name.c_str(), REG_DWORD, &number, sizeof(number));
+  }
+
+ private:
+  HKEY root_;
+  std::string path_;
+  REGSAM view_;
+  HKEY key_ = nullptr;
+};
+
+class Access : public testing::Test {
+ protected:
+  Access() {
+    intranet_.Set("*", URLZONE_INTRANET);
+    trusted_.Set("https", URLZONE_TRUSTED);
+    files_.Set("file", URLZONE_INTRANET);
+    restricted_.Set("*", URLZONE_UNTRUSTED);
+    for (const char* entry :
+         {"https://allowed.test", "https://ported.test:8443/", "HTTP://Plain.test:80",
+          "https://path.test/crm", "https://query.test/?a", "https://fragment.test/#a",
+          "https://*.wild.test", "https://user@named.test", "bare.test", "ftp://files.test", ""}) {
+      allowed_.Set(std::string("site ") + entry, entry);
+    }
+    allowed_.Set("expanded", "https://expanded.test", REG_EXPAND_SZ);
+  }
+
+  TestKey intranet_{HKEY_CURRENT_USER, kZones + "intranet.test"};
+  TestKey trusted_{HKEY_CURRENT_USER, kZones + "trusted.test"};
+  TestKey files_{HKEY_CURRENT_USER, kZones + "share.test"};
+  TestKey restricted_{HKEY_CURRENT_USER, kZones + "restricted.test"};
+  TestKey allowed_{HKEY_LOCAL_MACHINE, kAllowList};
+};
+
+ComPtr<StandInHost> Page(StringView address) {
+  return MakeComObject<StandInHost>(kContainer | kBrowser, address, address);
+}
+ComPtr<StandInHost> Application() { return MakeComObject<StandInHost>(kNoWay, u"", u""); }
+const StringView kGood = u"https://allowed.test/crm/page.htm";
+const StringView kBad = u"https://web.test/";
+
+// A control as its client sees it.
+class Client {
+ public:
+  Client() {
+    Check(MakeComObject<ClassFactory>()->CreateInstance(nullptr, IID_PPV_ARGS(&control_)));
+    Check(control_.As(&embedded_));
+    Check(control_.As(&sited_));
+    Check(control_.CopyTo(IID_IObjectSafety, reinterpret_cast<void**>(safety_.GetAddressOf())));
+  }
+
+  void SetSite(const ComPtr<StandInHost>& host) {
+    EXPECT_EQ(sited_->SetSite(static_cast<IOleClientSite*>(host.Get())), S_OK);
+  }
+  void SetClientSite(const ComPtr<StandInHost>& host) {
+    EXPECT_EQ(embedded_->SetClientSite(host.Get()), S_OK);
+  }
+  void LetGo() { EXPECT_EQ(sited_->SetSite(nullptr), S_OK); }
+
+  // Sets the server name, which cuts the variable that holds it.
+  bool IsServed() {
+    Bstr variable(u"http://server/page");
+    VARIANT argument{};
+    argument.vt = VT_BSTR | VT_BYREF;
+    argument.pbstrVal = variable.Receive();
+    DISPID name = DISPID_PROPERTYPUT;
+    DISPPARAMS parameters{&argument, &name, 1, 1};
+    EXCEPINFO exception{};
+    const HRESULT result = control_->Invoke(0x68030000, IID_NULL, 0, DISPATCH_PROPERTYPUT,
+                                            &parameters, nullptr, &exception, nullptr);
+    const Bstr source(exception.bstrSource);
+    const Bstr description(exception.bstrDescription);
+    if (result != DISP_E_EXCEPTION) {
+      EXPECT_TRUE(variable.text() == u"server" || result == DISP_E_MEMBERNOTFOUND) << result;
+      return true;
+    }
+    EXPECT_EQ(exception.scode, static_cast<HRESULT>(0x800A0046));
+    EXPECT_EQ(description.text(), u"Permission denied");
+    EXPECT_EQ(variable.text(), u"http://server/page");
+    return false;
+  }
+  HRESULT SetSafety(REFIID iid, DWORD mask, DWORD enabled) {
+    return safety_->SetInterfaceSafetyOptions(iid, mask, enabled);
+  }
+  bool Claim() { return SUCCEEDED(SetSafety(IID_IDispatch, kCaller, kCaller)); }
+  bool IsClaimed() {
+    DWORD supported = 0;
+    DWORD enabled = 0;
+    EXPECT_EQ(safety_->GetInterfaceSafetyOptions(IID_IDispatch, &supported, &enabled), S_OK);
+    EXPECT_EQ(supported, kCaller);
+    return enabled == kCaller;
+  }
+  static constexpr DWORD kCaller = INTERFACESAFE_FOR_UNTRUSTED_CALLER;
+
+ private:
+  ComPtr<IDispatch> control_;
+  ComPtr<IOleObject> embedded_;
+  ComPtr<IObjectWithSite> sited_;
+  ComPtr<IObjectSafety> safety_;
+};
+
+enum Machine { kUsual, kWithPolicy, kKilled, kKilledFor32, kOtherFlags };
+
+struct Case {
+  bool may_call;
+  std::vector<StringView> addresses;  // of documents, and of their browsers unless that is given
+  int ways = kContainer | kBrowser;
+  Machine machine = kUsual;
+  StringView browser = {};
+};
+
+TEST_F(Access, FollowsFromTheSiteItsAddressesAndTheMachine) {
+  const StringView good = kGood;
+  const StringView bad = kBad;
+  const Case cases[] = {
+      // Files, and those of other machines by their zone.
+      {true, {u"file:///C:/crm/page.htm", u"file://Q:\\crm\\my page.htm"}},
+      {true, {u"file://share.test/crm/page.htm"}},
+      {false, {u"file://web.test/share/page.htm", u"file://///web.test/share/page.htm"}},
+      {false, {u"file://web.test/C:/page.htm", u"C:\\crm\\page.htm"}},
+      // Zones.
+      {true, {u"http://crm.intranet.test/", u"https://trusted.test/a?b#c"}},
+      {false, {bad, u"http://trusted.test/", u"https://restricted.test/"}},
+      {false, {u"https://trusted.test@web.test/", u"https://web.test@trusted.test/"}},
+      // The allow-list.
+      {true, {good, u"HTTPS://ALLOWED.TEST:443", u"https://ported.test:8443/x"}},
+      {true, {u"http://plain.test/"}},
+      {false, {u"http://allowed.test/", u"https://allowed.test:8443/", u"https://ported.test/"}},
+      {false, {u"https://allowed.test./", u"https://crm.allowed.test/", u"https://xallowed.test/"}},
+      {false, {u"https://user@allowed.test/", u"https://allowed.test@web.test/"}},
+      {false, {StringView(u"https://allowed.test\0.web.test/", 31)}},
+      // What its entries must not be.
+      {false, {u"https://path.test/crm", u"https://query.test/?a", u"https://fragment.test/#a"}},
+      {false, {u"https://a.wild.test/", u"https://*.wild.test/", u"https://named.test/"}},
+      {false, {u"https://bare.test/", u"ftp://files.test/", u"https://expanded.test/"}},
+      // No addresses of a page, or of what it comes from.
+      {false,
+       {u"about:blank", u"javascript:'https://allowed.test/'", u"data:text/html,", u"", u"!"}},
+      {false, {u"view-source:https://allowed.test/", u"res://intranet.test/page.htm"}},
+      // Every way to the page, and all that is found on them.
+      {true, {good}, kDocument},
+      {false, {bad}, kDocument},
+      {true, {good}, kPageWindow},
+      {false, {bad, u"!"}, kPageWindow},
+      {true, {u""}, kBrowser, kUsual, good},
+      {false, {good}, kContainer | kBrowser, kUsual, bad},
+      {false, {bad}, kPageWindow | kBrowser, kUsual, good},
+      {false, {good}, kDocument | kBrowser, kUsual, u"!"},
+      {false, {good}, kContainer | kHiddenBrowser},
+      {true, {u""}, kNoWay},
+      // Policy and kill flags.
+      {true, {u"https://policy.test/", u"https://trusted.test/"}, kContainer, kWithPolicy},
+      {false, {good}, kContainer, kWithPolicy},
+      {false, {u"https://policy.test/"}},
+      {false, {good, u"file:///C:/crm/page.htm"}, kContainer, kKilled},
+      {false, {good, u"file:///C:/crm/page.htm"}, kContainer, kKilledFor32},
+      {true, {good}, kContainer, kOtherFlags},
+      {true, {u""}, kNoWay, kKilled},
+  };
+  for (const Case& row : cases) {
+    std::optional<TestKey> key;
+    if (row.machine == kWithPolicy) {
+      key.emplace(HKEY_LOCAL_MACHINE, kPolicy).Set("1", "https://policy.test");
+    } else if (row.machine != kUsual) {
+      const REGSAM view = row.machine == kKilledFor32 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+      key.emplace(HKEY_LOCAL_MACHINE, kKillFlags, view)
+          .Set("Compatibility Flags", row.machine == kOtherFlags ? 0x200 : 0x600);
+    }
+    for (const StringView address : row.addresses) {
+      for (const bool is_client_site : {false, true}) {
+        SCOPED_TRACE(ToUtf8(address) + ", ways " + std::to_string(row.ways) + ", machine " +
+                     std::to_string(row.machine));
+        const auto host = MakeComObject<StandInHost>(row.ways, address,
+                                                     row.browser.empty() ? address : row.browser);
+        Client client;
+        is_client_site ? client.SetClientSite(host) : client.SetSite(host);
+        EXPECT_EQ(client.IsServed(), row.may_call);
+        const bool is_safe = row.may_call && row.ways != kNoWay;
+        EXPECT_EQ(client.Claim(), is_safe);
+        EXPECT_EQ(client.IsClaimed(), is_safe);
+        EXPECT_EQ(client.IsServed(), row.may_call);
+      }
+    }
+  }
+}
+
+TEST_F(Access, IsForHostsWithoutSite) {
+  Client client;
+  EXPECT_TRUE(client.IsServed());
+  client.LetGo();
+  EXPECT_TRUE(client.IsServed());
+  client.SetSite(Application());
+  client.LetGo();
+  EXPECT_TRUE(client.IsServed());
+}
+
+TEST_F(Access, EndsWhenThePageNavigates) {
+  Client client;
+  const auto page = Page(kGood);
+  client.SetSite(page);
+  ASSERT_TRUE(client.Claim());
+  ASSERT_TRUE(client.IsServed());
+  page->document_address = kBad;
+  EXPECT_FALSE(client.IsClaimed());
+  EXPECT_FALSE(client.IsServed());
+  page->document_address = kGood;
+  client.SetSite(page);
+  EXPECT_FALSE(client.IsServed()) << "it is the page that was refused";
+  client.SetSite(Page(kGood));
+  EXPECT_TRUE(client.IsServed()) << "another one is not";
+}
+
+TEST_F(Access, EndsWithThePage) {
+  Client client;
+  const auto page = Page(kGood);
+  client.SetSite(page);
+  ASSERT_TRUE(client.IsServed());
+  page->ways = kNoWay;
+  EXPECT_FALSE(client.IsServed()) << "a page that is gone is no application";
+  client.LetGo();
+  client.LetGo();
+  EXPECT_FALSE(client.IsServed());
+  EXPECT_FALSE(client.Claim());
+  client.SetClientSite(Page(kGood));
+  EXPECT_TRUE(client.IsServed());
+}
+
+TEST_F(Access, TakesTheConsentOfBothSites) {
+  Client client;
+  client.SetSite(Page(kGood));
+  client.SetClientSite(Page(kBad));
+  EXPECT_FALSE(client.IsServed());
+  client.SetClientSite(Application());
+  EXPECT_TRUE(client.IsServed());
+  client.LetGo();
+  EXPECT_FALSE(client.IsServed()) << "the page has taken its site away";
+}
+
+TEST_F(Access, SurvivesAHostThatChangesItsSiteWhenAsked) {
+  Client client;
+  auto page = Page(kGood);
+  client.SetSite(page);
+  ASSERT_TRUE(client.IsServed());
+  page->when_asked = [&] {
+    page.Reset();
+    client.LetGo();
+  };
+  EXPECT_FALSE(client.IsServed());
+
+  page = Page(kBad);
+  page->when_asked = [&, is_first = true]() mutable {
+    if (std::exchange(is_first, false)) client.SetSite(Page(kGood));
+  };
+  client.SetSite(page);
+  EXPECT_TRUE(client.IsServed()) << "the answer of the first page is not the second one's";
+
+  page = Page(kGood);
+  client.SetSite(page);
+  page->when_asked = [&] { client.SetSite(Application()); };
+  EXPECT_FALSE(client.IsServed()) << "nor is it in the middle of a call";
+}
+
+TEST_F(Access, IsForPagesAloneOnceSafetyIsClaimed) {
+  for (const auto& host : {Page(kGood), Page(kBad), Application()}) {
+    const bool may_call = host->document_address == kGood;
+    Client client;
+    EXPECT_FALSE(client.IsClaimed());
+    ASSERT_TRUE(client.Claim()) << "script engines ask before they give a site";
+    EXPECT_TRUE(client.IsClaimed());
+    EXPECT_FALSE(client.IsServed());
+    client.SetSite(host);
+    EXPECT_EQ(client.IsClaimed(), may_call);
+    EXPECT_EQ(client.IsServed(), may_call);
+  }
+
+  Client client;
+  EXPECT_EQ(client.SetSafety(IID_IPersist, 0, 0), E_NOINTERFACE);
+  EXPECT_EQ(client.SetSafety(IID_IDispatch, INTERFACESAFE_FOR_UNTRUSTED_DATA, 0), E_FAIL);
+  ASSERT_TRUE(client.Claim());
+  EXPECT_EQ(client.SetSafety(IID_IDispatch, Client::kCaller, 0), S_OK);
+  EXPECT_FALSE(client.IsClaimed());
+  EXPECT_TRUE(client.IsServed());
+
+  TestKey flags(HKEY_LOCAL_MACHINE, kKillFlags);
+  flags.Set("Compatibility Flags", 0x400);
+  EXPECT_FALSE(client.Claim());
+}
+
+TEST_F(Access, FindsTheWindowOfItsHost) {
+  HostSite host;
+  EXPECT_EQ(host.Window(), nullptr);
+  const auto page = Page(kGood);
+  page->window =
+      CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  ASSERT_NE(page->window, nullptr);
+  host.SetSite(static_cast<IOleClientSite*>(page.Get()));
+  EXPECT_EQ(host.Window(), page->window);
+  DestroyWindow(page->window);
+  EXPECT_EQ(host.Window(), nullptr) << "it is a window no more";
+}
+
+}  // namespace
+}  // namespace kestrelon
