@@ -66,21 +66,27 @@ void AddText(const ComPtr<Interface>& object, HRESULT (STDMETHODCALLTYPE Interfa
   if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(std::move(text));
 }
 
+// The addresses of what was found behind a site.
+struct FoundAddresses {
+  std::vector<String> documents;
+  std::vector<String> browsers;
+};
+
 // Whether `object` is a part of a page; then its address is added.
-bool AddAddresses(const ComPtr<IUnknown>& object, std::vector<String>& addresses) {
+bool AddAddresses(const ComPtr<IUnknown>& object, FoundAddresses& found) {
   const auto document = As<IHTMLDocument2>(object);
-  if (document != nullptr) AddText(document, &IHTMLDocument2::get_URL, addresses);
+  if (document != nullptr) AddText(document, &IHTMLDocument2::get_URL, found.documents);
 
   const auto window = As<IHTMLWindow2>(object);
   if (window != nullptr) {
     ComPtr<IHTMLDocument2> shown;
     window->get_document(&shown);
-    AddText(shown, &IHTMLDocument2::get_URL, addresses);
+    AddText(shown, &IHTMLDocument2::get_URL, found.documents);
   }
 
   ComPtr<IWebBrowser> browser = As<IWebBrowserApp>(object);
   if (browser == nullptr) browser = As<IWebBrowser2>(object);
-  if (browser != nullptr) AddText(browser, &IWebBrowser::get_LocationURL, addresses);
+  if (browser != nullptr) AddText(browser, &IWebBrowser::get_LocationURL, found.browsers);
 
   return document != nullptr || window != nullptr || browser != nullptr;
 }
@@ -108,13 +114,14 @@ HWND WindowOfPart(const ComPtr<IUnknown>& object) {
 
 std::vector<String> PageAddressesOf(IUnknown& site) {
   const ComPtr<IUnknown> kept(&site);
-  std::vector<String> addresses;
-  AddAddresses(kept, addresses);
-  AddAddresses(ContainerOf(kept), addresses);
+  FoundAddresses found;
+  AddAddresses(kept, found);
+  AddAddresses(ContainerOf(kept), found);
   for (const ComPtr<IUnknown>& service : PageServicesOf(kept)) {
-    if (!AddAddresses(service, addresses)) addresses.emplace_back();
+    if (!AddAddresses(service, found)) found.browsers.emplace_back();
   }
-  return addresses;
+  // While a page loads, its browser may still be told to show the one before.
+  return found.documents.empty() ? found.browsers : found.documents;
 }
 
 HWND WindowOf(IUnknown& site) {

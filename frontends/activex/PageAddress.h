@@ -7,9 +7,9 @@
 
 namespace kestrelon {
 
-// The addresses of the page behind a site: those of its document and of the browser that shows it,
-// whatever of them can be found. "" stands for one that cannot be read. None when the site leads to
-// no page, but to an application's form or to its script engine.
+// The addresses of the page behind a site: those of its document, in whatever ways that is found,
+// or else of the browser that shows it. "" stands for one that cannot be read. None when the site
+// leads to no page, but to an application's form or to its script engine.
 //
 // The document is asked directly, not late-bound: the page's script could answer in its place.
 //
