@@ -13,11 +13,13 @@ struct ClassicError {
   std::u16string_view description;
 };
 
-constexpr std::array<ClassicError, 20> kClassicErrors = {{
+constexpr std::array<ClassicError, 25> kClassicErrors = {{
     {kInvalidProcedureCall, u"Invalid procedure call or argument"},
     {kOverflow, u"Overflow"},
     {kOutOfMemory, u"Out of memory"},
     {kSubscriptOutOfRange, u"Subscript out of range"},
+    {kArrayLocked, u"This array is fixed or temporarily locked"},
+    {kDivisionByZero, u"Division by zero"},
     {kTypeMismatch, u"Type mismatch"},
     {kFileNotFound, u"File not found"},
     {kInputPastEndOfFile, u"Input past end of file"},
@@ -27,7 +29,11 @@ constexpr std::array<ClassicError, 20> kClassicErrors = {{
     {kInvalidUseOfNull, u"Invalid use of Null"},
     {kObjectRequired, u"Object required"},
     {kCannotCreateObject, u"ActiveX component can't create object"},
+    {kDoesNotSupportAutomation,
+     u"Class does not support Automation or does not support expected interface"},
     {kMemberNotFound, u"Object doesn't support this property or method"},
+    {kNoNamedArguments, u"Object doesn't support named arguments"},
+    {kUnknownLocale, u"Object doesn't support current locale setting"},
     {kNamedArgumentNotFound, u"Named argument not found"},
     {kArgumentNotOptional, u"Argument not optional"},
     {kWrongNumberOfArguments, u"Wrong number of arguments or invalid property assignment"},

@@ -6,8 +6,6 @@
 namespace kestrelon {
 namespace {
 
-constexpr int32_t kDoesNotSupportAutomation = 430;
-
 // The ids of a member and of the arguments that are given by name.
 std::vector<DISPID> IdsOf(IDispatch& dispatch, StringView member, const Arguments& arguments) {
   std::vector<DISPID> ids(1 + arguments.named.size(), DISPID_VALUE);
