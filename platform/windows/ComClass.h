@@ -35,7 +35,10 @@ class ComClass : public Interfaces... {
   STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
   STDMETHODIMP_(ULONG) Release() override {
     const ULONG left = --references_;
-    if (left == 0) delete this;
+    if (left == 0) {
+      references_ = 1;  // whoever counts it while it is taken down must not delete it again
+      delete this;
+    }
     return left;
   }
 

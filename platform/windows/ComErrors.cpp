@@ -18,14 +18,22 @@ struct KnownFailure {
 // RPC failures of servers that are gone have no names of their own as HRESULTs.
 constexpr HRESULT kRpcServerUnavailable = static_cast<HRESULT>(0x800706BA);
 constexpr HRESULT kRpcCallFailed = static_cast<HRESULT>(0x800706BE);
+constexpr HRESULT kRpcCallFailedBeforeItRan = static_cast<HRESULT>(0x800706BF);
 
-constexpr std::array<KnownFailure, 18> kKnownFailures = {{
+// E_OUTOFMEMORY, E_FAIL and the like are not among them: they are numbers that mail servers report,
+// and are compared with as they are. So is 0x80040111, which only CheckCreated takes for its name.
+constexpr auto kKnownFailures = std::to_array<KnownFailure>({
+    {DISP_E_UNKNOWNINTERFACE, kMemberNotFound},
     {DISP_E_UNKNOWNNAME, kMemberNotFound},
     {DISP_E_MEMBERNOTFOUND, kMemberNotFound},
     {DISP_E_TYPEMISMATCH, kTypeMismatch},
     {DISP_E_BADVARTYPE, kTypeMismatch},
     {DISP_E_OVERFLOW, kOverflow},
     {DISP_E_BADINDEX, kSubscriptOutOfRange},
+    {DISP_E_ARRAYISLOCKED, kArrayLocked},
+    {DISP_E_DIVBYZERO, kDivisionByZero},
+    {DISP_E_UNKNOWNLCID, kUnknownLocale},
+    {DISP_E_NONAMEDARGS, kNoNamedArguments},
     {DISP_E_PARAMNOTFOUND, kNamedArgumentNotFound},
     {DISP_E_PARAMNOTOPTIONAL, kArgumentNotOptional},
     {DISP_E_BADPARAMCOUNT, kWrongNumberOfArguments},
@@ -34,11 +42,15 @@ constexpr std::array<KnownFailure, 18> kKnownFailures = {{
     {CO_E_CLASSSTRING, kCannotCreateObject},
     {CO_E_SERVER_EXEC_FAILURE, kCannotCreateObject},
     {REGDB_E_CLASSNOTREG, kCannotCreateObject},
-    {CLASS_E_CLASSNOTAVAILABLE, kCannotCreateObject},
+    {E_NOTIMPL, kNotImplemented},
     {RPC_E_DISCONNECTED, kServerUnavailable},
+    {RPC_E_SERVER_DIED, kServerUnavailable},
+    {RPC_E_SERVER_DIED_DNE, kServerUnavailable},
+    {CO_E_OBJNOTCONNECTED, kServerUnavailable},
     {kRpcServerUnavailable, kServerUnavailable},
     {kRpcCallFailed, kServerUnavailable},
-}};
+    {kRpcCallFailedBeforeItRan, kServerUnavailable},
+});
 
 // The system's words for a failure, without the line break that ends them; "" when it has none.
 String SystemText(HRESULT failure) {
@@ -68,14 +80,21 @@ AutomationError ErrorOf(HRESULT failure) {
 
 AutomationError ErrorOf(EXCEPINFO& information) {
   if (information.pfnDeferredFillIn != nullptr) information.pfnDeferredFillIn(&information);
-  const Bstr source(information.bstrSource);
-  const Bstr description(information.bstrDescription);
-  const Bstr help_file(information.bstrHelpFile);
-  // A server fills in one of the two numbers.
-  const AutomationError plain =
-      information.scode != 0 ? ErrorOf(information.scode) : AutomationError(information.wCode);
+  const Bstr source(std::exchange(information.bstrSource, nullptr));
+  const Bstr description(std::exchange(information.bstrDescription, nullptr));
+  const Bstr help_file(std::exchange(information.bstrHelpFile, nullptr));
+  // A server fills in one of the two numbers; a careless one neither.
+  const AutomationError plain = information.scode != 0   ? ErrorOf(information.scode)
+                                : information.wCode != 0 ? AutomationError(information.wCode)
+                                                         : ErrorOf(DISP_E_EXCEPTION);
   return description.text().empty() ? plain
                                     : AutomationError(plain.number(), String(description.text()));
+}
+
+void CheckCreated(HRESULT result) {
+  if (result == CLASS_E_CLASSNOTAVAILABLE) throw AutomationError(kCannotCreateObject);
+  if (result == E_NOINTERFACE) throw AutomationError(kDoesNotSupportAutomation);
+  Check(result);
 }
 
 HRESULT ScodeOf(int32_t number) { return number < 0 ? number : kRuntimeErrors | (number & 0xFFFF); }
@@ -83,9 +102,11 @@ HRESULT ScodeOf(int32_t number) { return number < 0 ? number : kRuntimeErrors | 
 void FillExceptionInfo(const AutomationError& error, StringView source, EXCEPINFO* information) {
   if (information == nullptr) return;
   *information = {};
+  Bstr failed_object(source);
+  Bstr description(error.description());
   information->scode = ScodeOf(error.number());
-  information->bstrSource = Bstr(source).Detach();
-  information->bstrDescription = Bstr(error.description()).Detach();
+  information->bstrSource = failed_object.Detach();
+  information->bstrDescription = description.Detach();
 }
 
 }  // namespace kestrelon

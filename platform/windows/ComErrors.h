@@ -14,12 +14,16 @@ namespace kestrelon {
 // 0x800Axxxx is number xxxx; every other number stays. The description is the classic text, or else
 // the system's.
 AutomationError ErrorOf(HRESULT failure);
-// What a server says of its failure; fills in what it left for later, and frees its texts.
+// What a server says of its failure; fills in what it left for later, and frees its texts. Where it
+// says nothing, the description is that of its number.
 AutomationError ErrorOf(EXCEPINFO& information);
 
 inline void Check(HRESULT result) {
   if (FAILED(result)) throw ErrorOf(result);
 }
+// The same for creating an object or finding a running one, where two failures mean another thing
+// than in a call: error 429 when the class has no such object, 430 when it has no IDispatch.
+void CheckCreated(HRESULT result);
 
 // The HRESULT of an error number: the opposite of ErrorOf.
 HRESULT ScodeOf(int32_t number);

@@ -15,7 +15,7 @@ namespace {
 
 CLSID ClassOf(StringView prog_id) {
   CLSID clsid{};
-  Check(CLSIDFromProgID(AsWide(String(prog_id)), &clsid));
+  CheckCreated(CLSIDFromProgID(AsWide(String(prog_id)), &clsid));
   return clsid;
 }
 
@@ -32,8 +32,9 @@ Object WindowsPlatform::CreateObject(StringView prog_id, StringView server) {
   COSERVERINFO machine{};
   machine.pwszName = const_cast<wchar_t*>(AsWide(name));
   MULTI_QI wanted{&IID_IDispatch, nullptr, S_OK};
-  Check(CoCreateInstanceEx(clsid, nullptr, server.empty() ? CLSCTX_SERVER : CLSCTX_REMOTE_SERVER,
-                           server.empty() ? nullptr : &machine, 1, &wanted));
+  CheckCreated(CoCreateInstanceEx(clsid, nullptr,
+                                  server.empty() ? CLSCTX_SERVER : CLSCTX_REMOTE_SERVER,
+                                  server.empty() ? nullptr : &machine, 1, &wanted));
   ComPtr<IUnknown> created;
   created.Attach(wanted.pItf);
   const Object object = ObjectOf(created.Get());
@@ -45,7 +46,7 @@ Object WindowsPlatform::CreateObject(StringView prog_id, StringView server) {
 
 Object WindowsPlatform::GetRunningObject(StringView prog_id) {
   ComPtr<IUnknown> running;
-  Check(GetActiveObject(ClassOf(prog_id), nullptr, &running));
+  CheckCreated(GetActiveObject(ClassOf(prog_id), nullptr, &running));
   return ObjectOf(running.Get());
 }
 
