@@ -6,21 +6,32 @@
 namespace kestrelon {
 namespace {
 
-// The ids of a member and of the arguments that are given by name.
-std::vector<DISPID> IdsOf(IDispatch& dispatch, StringView member, const Arguments& arguments) {
-  std::vector<DISPID> ids(1 + arguments.named.size(), DISPID_VALUE);
-  if (member.empty() && arguments.named.empty()) return ids;
+// The ids of a member and of the arguments that are given by name. They are asked for in one call,
+// as an argument has an id only beside its member.
+std::vector<DISPID> AskForIds(IDispatch& dispatch, StringView member, const Arguments& arguments) {
   std::vector<String> names = {String(member)};
   for (const NamedArgument& argument : arguments.named) names.push_back(argument.name);
   std::vector<LPOLESTR> pointers;
   for (String& name : names) pointers.push_back(const_cast<wchar_t*>(AsWide(name)));
+  std::vector<DISPID> ids(names.size(), DISPID_UNKNOWN);
   const HRESULT result =
       dispatch.GetIDsOfNames(IID_NULL, pointers.data(), static_cast<UINT>(pointers.size()),
                              LOCALE_USER_DEFAULT, ids.data());
-  if (result == DISP_E_UNKNOWNNAME && ids[0] != DISPID_UNKNOWN) {
+  if (result == DISP_E_UNKNOWNNAME && ids[0] != DISPID_UNKNOWN && !arguments.named.empty()) {
     throw AutomationError(kNamedArgumentNotFound);
   }
   Check(result);
+  return ids;
+}
+
+std::vector<DISPID> IdsOf(IDispatch& dispatch, StringView member, const Arguments& arguments,
+                          DispatchClient::MemberIds& known) {
+  if (!arguments.named.empty()) return AskForIds(dispatch, member, arguments);
+  if (member.empty()) return {DISPID_VALUE};
+  const auto found = known.find(String(member));
+  if (found != known.end()) return {found->second};
+  std::vector<DISPID> ids = AskForIds(dispatch, member, arguments);
+  known.emplace(member, ids.front());
   return ids;
 }
 
@@ -32,6 +43,7 @@ class CallParameters {
       : names_(std::move(names)) {
     auto next = arguments.positional.rbegin();
     if (kind == InvokeKind::kPut) {
+      if (arguments.positional.empty()) throw AutomationError(kArgumentNotOptional);
       names_.insert(names_.begin(), DISPID_PROPERTYPUT);
       variants_.emplace_back(*next++);
     }
@@ -65,16 +77,56 @@ std::vector<WORD> FlagsOf(InvokeKind kind, const Arguments& arguments) {
   return {DISPATCH_PROPERTYPUT};
 }
 
-// `dispatch` is kept alive by the caller: while a server works, the page may call again and let go
-// of what the control holds.
-HRESULT InvokeOnce(IDispatch& dispatch, DISPID member, WORD flags, DISPPARAMS& parameters,
-                   Variant& result) {
-  EXCEPINFO information{};
-  const HRESULT status = dispatch.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                                         (flags & DISPATCH_PROPERTYGET) != 0 ? &result : nullptr,
-                                         &information, nullptr);
-  if (status == DISP_E_EXCEPTION) throw ErrorOf(information);
-  return status;
+// A server that turns a call down for what it asks for has not begun with it, so that asking in
+// another way does nothing twice.
+bool IsRefusal(HRESULT status) {
+  return FAILED(status) && HRESULT_FACILITY(status) == FACILITY_DISPATCH;
+}
+
+// What the server reports. A function of another process, or half its address, must not be called
+// here: what such a server wanted to fill in later is the duty of its proxy, and lost without it.
+AutomationError ReportOf(IDispatch& dispatch, EXCEPINFO& information) {
+  ComPtr<IClientSecurity> proxy;
+  if (information.pfnDeferredFillIn != nullptr &&
+      SUCCEEDED(dispatch.QueryInterface(IID_PPV_ARGS(&proxy)))) {
+    information.pfnDeferredFillIn = nullptr;
+  }
+  return ErrorOf(information);
+}
+
+// What a plain failure means: the text of the thread's error object goes with it, but only when
+// `dispatch` says that it leaves one there.
+AutomationError FailureOf(IDispatch& dispatch, HRESULT status) {
+  const AutomationError plain = ErrorOf(status);
+  ComPtr<IErrorInfo> information;
+  ComPtr<ISupportErrorInfo> support;
+  Bstr description;
+  // Taken first, since every further call may replace it.
+  if (GetErrorInfo(0, &information) != S_OK ||
+      FAILED(dispatch.QueryInterface(IID_PPV_ARGS(&support))) ||
+      support->InterfaceSupportsErrorInfo(IID_IDispatch) != S_OK ||
+      FAILED(information->GetDescription(description.Receive())) || description.text().empty()) {
+    return plain;
+  }
+  return AutomationError(plain.number(), String(description.text()));
+}
+
+// Tries the `flags` in order until the server accepts one. `dispatch` is kept alive by the caller.
+Value InvokeMember(IDispatch& dispatch, DISPID member, const std::vector<WORD>& flags,
+                   DISPPARAMS parameters) {
+  HRESULT status = E_UNEXPECTED;
+  for (const WORD flag : flags) {
+    EXCEPINFO information{};
+    Variant result;
+    SetErrorInfo(0, nullptr);  // whatever an earlier failure left
+    status = dispatch.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flag, &parameters,
+                             (flag & DISPATCH_PROPERTYGET) != 0 ? &result : nullptr, &information,
+                             nullptr);
+    if (SUCCEEDED(status)) return ValueOf(result);
+    if (status == DISP_E_EXCEPTION) throw ReportOf(dispatch, information);
+    if (!IsRefusal(status)) break;
+  }
+  throw FailureOf(dispatch, status);
 }
 
 class VariantEnumerator final : public Enumerator {
@@ -98,28 +150,24 @@ class VariantEnumerator final : public Enumerator {
 
 Value DispatchClient::Invoke(InvokeKind kind, StringView member, const Arguments& arguments) {
   const ComPtr<IDispatch> dispatch = dispatch_;
-  std::vector<DISPID> ids = IdsOf(*dispatch.Get(), member, arguments);
+  const std::shared_ptr<MemberIds> known = ids_;
+  std::vector<DISPID> ids = IdsOf(*dispatch.Get(), member, arguments, *known);
   const DISPID id = ids.front();
   ids.erase(ids.begin());
   CallParameters call(kind, arguments, std::move(ids));
-  DISPPARAMS parameters = call.Get();
-  Variant result;
-  HRESULT status = E_UNEXPECTED;
-  for (const WORD flags : FlagsOf(kind, arguments)) {
-    status = InvokeOnce(*dispatch.Get(), id, flags, parameters, result);
-    if (status != DISP_E_MEMBERNOTFOUND) break;
-  }
-  Check(status);
-  return ValueOf(result);
+  return InvokeMember(*dispatch.Get(), id, FlagsOf(kind, arguments), call.Get());
 }
 
 std::unique_ptr<Enumerator> DispatchClient::Enumerate() {
   const ComPtr<IDispatch> dispatch = dispatch_;
   DISPPARAMS none{};
+  EXCEPINFO information{};
   Variant result;
-  const HRESULT status = InvokeOnce(*dispatch.Get(), DISPID_NEWENUM,
-                                    DISPATCH_METHOD | DISPATCH_PROPERTYGET, none, result);
-  if (status == DISP_E_MEMBERNOTFOUND) throw AutomationError(kNotACollection);
+  const HRESULT status = dispatch->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT,
+                                          DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &result,
+                                          &information, nullptr);
+  if (status == DISP_E_EXCEPTION) throw ReportOf(*dispatch.Get(), information);
+  if (IsRefusal(status)) throw AutomationError(kNotACollection);
   Check(status);
   ComPtr<IEnumVARIANT> elements;
   if ((result.vt != VT_UNKNOWN && result.vt != VT_DISPATCH) || result.punkVal == nullptr ||
@@ -130,9 +178,10 @@ std::unique_ptr<Enumerator> DispatchClient::Enumerate() {
 }
 
 String DispatchClient::TypeName() const {
+  const ComPtr<IDispatch> dispatch = dispatch_;
   ComPtr<ITypeInfo> information;
   Bstr name;
-  if (FAILED(dispatch_->GetTypeInfo(0, LOCALE_USER_DEFAULT, &information)) || !information ||
+  if (FAILED(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, &information)) || !information ||
       FAILED(
           information->GetDocumentation(MEMBERID_NIL, name.Receive(), nullptr, nullptr, nullptr))) {
     return u"Object";
@@ -146,7 +195,12 @@ Object ObjectOf(IUnknown* unknown) {
   if (FAILED(unknown->QueryInterface(IID_PPV_ARGS(&dispatch)))) {
     throw AutomationError(kDoesNotSupportAutomation);
   }
-  return Object(std::make_shared<DispatchClient>(std::move(dispatch)));
+  return ObjectOf(dispatch.Get());
+}
+
+Object ObjectOf(IDispatch* dispatch) {
+  if (dispatch == nullptr) return nullptr;
+  return Object(std::make_shared<DispatchClient>(dispatch));
 }
 
 }  // namespace kestrelon

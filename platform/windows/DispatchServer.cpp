@@ -1,6 +1,8 @@
 #include "platform/windows/DispatchServer.h"
 
+#include <algorithm>
 #include <map>
+#include <optional>
 
 #include "platform/windows/ComClass.h"
 #include "platform/windows/ComErrors.h"
@@ -16,16 +18,18 @@ class EnumeratorServer final : public ComClass<IEnumVARIANT> {
       : collection_(std::move(collection)), elements_(collection_->Enumerate()) {}
 
   STDMETHODIMP Next(ULONG count, VARIANT* elements, ULONG* fetched) override {
+    if (fetched != nullptr) *fetched = 0;
+    if (elements == nullptr && count > 0) return E_POINTER;
     return Guard([&] {
-      ULONG done = 0;
-      for (; done < count; ++done) {
+      std::vector<Variant> found;
+      while (found.size() < count) {
         const std::optional<Value> element = elements_->Next();
         if (!element) break;
-        VariantInit(&elements[done]);
-        StoreValue(*element, elements[done]);
+        found.emplace_back(*element);
       }
-      if (fetched != nullptr) *fetched = done;
-      return done == count ? S_OK : S_FALSE;
+      for (size_t i = 0; i < found.size(); ++i) elements[i] = found[i].Detach();
+      if (fetched != nullptr) *fetched = static_cast<ULONG>(found.size());
+      return found.size() == count ? S_OK : S_FALSE;
     });
   }
   STDMETHODIMP Skip(ULONG count) override {
@@ -40,7 +44,10 @@ class EnumeratorServer final : public ComClass<IEnumVARIANT> {
       return S_OK;
     });
   }
-  STDMETHODIMP Clone(IEnumVARIANT** /*copy*/) override { return E_NOTIMPL; }
+  STDMETHODIMP Clone(IEnumVARIANT** copy) override {
+    if (copy != nullptr) *copy = nullptr;
+    return E_NOTIMPL;
+  }
 
  private:
   DispatchPointer collection_;
@@ -52,38 +59,50 @@ class DispatchServer final : public ComClass<IDispatch> {
   explicit DispatchServer(DispatchPointer object) : object_(std::move(object)) {}
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (object != nullptr && IsEqualIID(iid, OwnInterface())) {
+    return Guard([&] {
+      const bool is_own = object != nullptr && IsEqualIID(iid, OwnInterface());
+      if (!is_own) return ComClass::QueryInterface(iid, object);
       AddRef();
       *object = this;
       return S_OK;
-    }
-    return ComClass::QueryInterface(iid, object);
+    });
   }
   STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+    if (count == nullptr) return E_POINTER;
     *count = 0;
     return S_OK;
   }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo** information) override {
+    if (information != nullptr) *information = nullptr;
+    return DISP_E_BADINDEX;
+  }
+  STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID,
+                             DISPID* ids) override {
+    if (!IsEqualIID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+    if (count > 0 && (names == nullptr || ids == nullptr)) return E_POINTER;
     return Guard([&] {
-      for (UINT i = 0; i < count; ++i) ids[i] = IdOf(FromWide(names[i]));
+      for (UINT i = 0; i < count; ++i) {
+        if (names[i] == nullptr) return E_POINTER;
+        ids[i] = IdOf(FromWide(names[i]));
+      }
       return S_OK;
     });
   }
-  STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters,
+  STDMETHODIMP Invoke(DISPID member, REFIID reserved, LCID, WORD flags, DISPPARAMS* parameters,
                       VARIANT* result, EXCEPINFO* information, UINT*) override {
+    if (result != nullptr) VariantInit(result);
+    if (!IsEqualIID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+    if (parameters == nullptr) return E_POINTER;
     return Guard([&]() -> HRESULT {
+      const ComPtr<DispatchServer> kept_alive(this);  // the call may let go of it
       try {
-        if (result != nullptr) VariantInit(result);
-        if (member == DISPID_NEWENUM) {
-          StoreEnumerator(result);
-          return S_OK;
-        }
-        const Value answer = Answer(member, flags, *parameters);
-        if (result != nullptr) StoreValue(answer, *result);
-        return S_OK;
+        Variant answer;
+        const HRESULT status = member == DISPID_NEWENUM
+                                   ? StoreEnumerator(answer)
+                                   : StoreAnswer(member, flags, *parameters, answer);
+        if (result != nullptr) *result = answer.Detach();
+        return status;
       } catch (const AutomationError& error) {
-        if (error.number() == kMemberNotFound) return DISP_E_MEMBERNOTFOUND;
         FillExceptionInfo(error, object_->TypeName(), information);
         return DISP_E_EXCEPTION;
       }
@@ -111,15 +130,15 @@ class DispatchServer final : public ComClass<IDispatch> {
     return iid;
   }
 
+  // Every spelling has an id of its own, so that the object hears the name as the caller writes it.
   DISPID IdOf(const String& name) {
-    const auto [entry, added] =
-        ids_.try_emplace(LowerCase(name), static_cast<DISPID>(names_.size()) + 1);
+    const auto [entry, added] = ids_.try_emplace(name, static_cast<DISPID>(names_.size()) + 1);
     if (added) names_.push_back(name);
     return entry->second;
   }
-  String NameOf(DISPID id) const {
-    if (id == DISPID_VALUE) return {};
-    if (id < 1 || static_cast<size_t>(id) > names_.size()) throw AutomationError(kMemberNotFound);
+  std::optional<String> NameOf(DISPID id) const {
+    if (id == DISPID_VALUE) return String();
+    if (id < 1 || static_cast<size_t>(id) > names_.size()) return std::nullopt;
     return names_[static_cast<size_t>(id) - 1];
   }
   // Our own objects come back as themselves.
@@ -130,31 +149,41 @@ class DispatchServer final : public ComClass<IDispatch> {
     const DispatchPointer own = client == nullptr ? nullptr : ObjectBehind(client->dispatch());
     return own == nullptr ? value : Value(own);
   }
-  Arguments ReceivedArguments(const DISPPARAMS& parameters, bool is_put) const {
-    Arguments arguments;
-    // The new value of a property is named by the system, and the last of our positional ones.
-    const UINT first_named = is_put ? 1 : 0;
-    for (UINT i = first_named; i < parameters.cNamedArgs; ++i) {
-      arguments.Add({NameOf(parameters.rgdispidNamedArgs[i]), ReceivedValue(parameters.rgvarg[i])});
+  // Those by name stand first, then the others from the last to the first. The new value of a
+  // property has a name of the system's, which some callers leave out, and is our last positional
+  // argument.
+  HRESULT ReceiveArguments(const DISPPARAMS& parameters, bool is_put, Arguments& arguments) const {
+    if (parameters.cNamedArgs > parameters.cArgs) return E_INVALIDARG;
+    if (is_put && parameters.cArgs == 0) return DISP_E_BADPARAMCOUNT;
+    const UINT first_name = is_put ? 1 : 0;
+    for (UINT i = first_name; i < parameters.cNamedArgs; ++i) {
+      const std::optional<String> name = NameOf(parameters.rgdispidNamedArgs[i]);
+      if (!name) return DISP_E_PARAMNOTFOUND;
+      arguments.Add({*name, ReceivedValue(parameters.rgvarg[i])});
     }
-    for (UINT i = parameters.cArgs; i > parameters.cNamedArgs; --i) {
+    for (UINT i = parameters.cArgs; i > std::max(parameters.cNamedArgs, first_name); --i) {
       arguments.Add(ReceivedValue(parameters.rgvarg[i - 1]));
     }
     if (is_put) arguments.Add(ReceivedValue(parameters.rgvarg[0]));
-    return arguments;
+    return S_OK;
   }
-  void StoreEnumerator(VARIANT* result) const {
-    ComPtr<EnumeratorServer> elements = MakeComObject<EnumeratorServer>(object_);
-    if (result == nullptr) return;
-    result->punkVal = elements.Detach();
-    result->vt = VT_UNKNOWN;
+  HRESULT StoreEnumerator(VARIANT& result) const {
+    result.punkVal = MakeComObject<EnumeratorServer>(object_).Detach();
+    result.vt = VT_UNKNOWN;
+    return S_OK;
   }
-  Value Answer(DISPID member, WORD flags, const DISPPARAMS& parameters) {
+  HRESULT StoreAnswer(DISPID member, WORD flags, const DISPPARAMS& parameters, VARIANT& result) {
+    const std::optional<String> name = NameOf(member);
+    if (!name) return DISP_E_MEMBERNOTFOUND;
     const bool is_put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
+    Arguments arguments;
+    const HRESULT status = ReceiveArguments(parameters, is_put, arguments);
+    if (FAILED(status)) return status;
     const InvokeKind kind = is_put                           ? InvokeKind::kPut
                             : (flags & DISPATCH_METHOD) != 0 ? InvokeKind::kCall
                                                              : InvokeKind::kGet;
-    return object_->Invoke(kind, NameOf(member), ReceivedArguments(parameters, is_put));
+    StoreValue(object_->Invoke(kind, *name, arguments), result);
+    return S_OK;
   }
 
   DispatchPointer object_;

@@ -10,7 +10,12 @@ namespace kestrelon {
 // `object`. Null for Nothing.
 //
 // Every name that a client asks for gets an id, since our objects tell what they know only when
-// they are called; an unknown member then fails as DISP_E_MEMBERNOTFOUND.
+// they are called. A member that the object does not know fails like any other call, with the
+// number and the text of its error; were that DISP_E_MEMBERNOTFOUND, callers would try it in
+// another way.
+//
+// An object of ours that comes back as an argument is handed on as itself. Its interfaces are
+// several COM objects when they were made by several calls.
 ComPtr<IDispatch> DispatchOf(const DispatchPointer& object);
 
 }  // namespace kestrelon

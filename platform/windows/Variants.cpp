@@ -14,12 +14,43 @@ Variant ConvertedTo(VARTYPE type, const VARIANT& variant) {
   return converted;
 }
 
+AutomationError Unsupported(VARTYPE type) {
+  return AutomationError(kTypeMismatch, u"Type mismatch: a value of variant type " +
+                                            Value(int32_t{type}).ToText() +
+                                            u" cannot be used here");
+}
+
+// Follows references to variants. There is one of them by the rules and there are a few in
+// practice, so a chain that does not end is a ring.
+const VARIANT& Behind(const VARIANT& variant) {
+  const VARIANT* held = &variant;
+  for (int steps = 0; held->vt == (VT_BYREF | VT_VARIANT); ++steps) {
+    if (held->pvarVal == nullptr || steps == 16) throw Unsupported(held->vt);
+    held = held->pvarVal;
+  }
+  return *held;
+}
+
+// Keeps the elements of an array in their place: reading an object among them may let others run.
+class ArrayLock {
+ public:
+  explicit ArrayLock(SAFEARRAY* array) : array_(array) { Check(SafeArrayLock(array)); }
+  ~ArrayLock() { SafeArrayUnlock(array_); }
+  ArrayLock(const ArrayLock&) = delete;
+  ArrayLock& operator=(const ArrayLock&) = delete;
+
+ private:
+  SAFEARRAY* array_;
+};
+
 // An array of any type and number of dimensions, first index fastest, as COM stores it.
 Value::Array ElementsOf(SAFEARRAY* array, VARTYPE type) {
   Value::Array elements;
+  if (array == nullptr || array->cDims == 0) return elements;
   size_t count = 1;
   for (UINT i = 0; i < array->cDims; ++i) count *= array->rgsabound[i].cElements;
-  // The array belongs to the caller for the time of the call, so it needs no lock.
+  if (count == 0) return elements;
+  const ArrayLock lock(array);
   for (size_t i = 0; i < count; ++i) {
     VARIANT element;
     VariantInit(&element);
@@ -60,17 +91,27 @@ Variant::Variant(const Value& value) : Variant() { StoreValue(value, *this); }
 
 Variant::Variant(Variant&& other) noexcept : VARIANT(other) { other.vt = VT_EMPTY; }
 
-Value ValueOf(const VARIANT& variant) {
-  if (variant.vt == (VT_BYREF | VT_VARIANT)) return ValueOf(*variant.pvarVal);
+VARIANT Variant::Detach() {
+  const VARIANT held = *this;
+  vt = VT_EMPTY;
+  return held;
+}
+
+Value ValueOf(const VARIANT& reference) {
+  const VARIANT& variant = Behind(reference);
+  const bool is_reference = (variant.vt & VT_BYREF) != 0;
   const auto type = static_cast<VARTYPE>(variant.vt & ~VT_BYREF);
+  if (is_reference && variant.byref == nullptr) throw Unsupported(variant.vt);
   if ((type & VT_ARRAY) != 0) {
-    SAFEARRAY* array = (variant.vt & VT_BYREF) != 0 ? *variant.pparray : variant.parray;
-    if (array == nullptr) return Value::Array();
-    return ElementsOf(array, static_cast<VARTYPE>(type & ~VT_ARRAY));
+    return ElementsOf(is_reference ? *variant.pparray : variant.parray,
+                      static_cast<VARTYPE>(type & ~VT_ARRAY));
   }
-  if ((variant.vt & VT_BYREF) != 0) {
+  if (is_reference) {
     Variant own;
-    Check(VariantCopyInd(&own, const_cast<VARIANT*>(&variant)));
+    // A record has a second pointer, which an element of an array lacks.
+    if (type == VT_RECORD || FAILED(VariantCopyInd(&own, const_cast<VARIANT*>(&variant)))) {
+      throw Unsupported(variant.vt);
+    }
     return ValueOf(own);
   }
   switch (type) {
@@ -106,12 +147,14 @@ Value ValueOf(const VARIANT& variant) {
     case VT_UI8:
       return ConvertedTo(VT_R8, variant).dblVal;
     case VT_DISPATCH:
+      // Not asked for its IDispatch again: an object may have several, and this one was meant.
+      return ObjectOf(variant.pdispVal);
     case VT_UNKNOWN:
       return ObjectOf(variant.punkVal);
     default:
       break;
   }
-  throw AutomationError(kTypeMismatch);
+  throw Unsupported(variant.vt);
 }
 
 void StoreValue(const Value& value, VARIANT& variant) {

@@ -32,11 +32,15 @@ class Variant : public VARIANT {
   ~Variant() { VariantClear(this); }
   Variant(Variant&& other) noexcept;
   Variant& operator=(Variant&&) = delete;
+
+  // What it holds, for whoever owns it from now on.
+  VARIANT Detach();
 };
 
 // The value of a variant, by reference or not. Numbers of every width are numbers, a currency and a
 // decimal too; an array of several dimensions is a row of all its elements, and objects are
-// late-bound ones (DispatchClient). Error 13 for what the control's values do not know.
+// late-bound ones (DispatchClient). Error 13 for what the control's values do not know (records,
+// error codes) and for a reference that leads nowhere; 430 for an object without IDispatch.
 Value ValueOf(const VARIANT& variant);
 
 // Puts a value into `variant`, which must be empty. An omitted argument is DISP_E_PARAMNOTFOUND;
