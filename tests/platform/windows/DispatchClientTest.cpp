@@ -1,0 +1,257 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "platform/windows/ComErrors.h"
+#include "platform/windows/DispatchClient.h"
+#include "platform/windows/WindowsPlatform.h"
+#include "tests/platform/windows/RecordingDispatch.h"
+
+namespace kestrelon::testing {
+namespace {
+
+class ClientTest : public ::testing::Test {
+ protected:
+  Lines Take() { return std::exchange(server_->log, {}); }
+
+  const ComPtr<RecordingDispatch> server_ = MakeComObject<RecordingDispatch>();
+  const Object client_ = ObjectOf(server_.Get());
+};
+
+TEST_F(ClientTest, PassesArgumentsInTheOrderOfCom) {
+  client_.Call(u"Item", 1, Value::Omitted(), u"x", Named(u"Start", true));
+  EXPECT_EQ(Take(), (Lines{"?Item Start", "1 flags 3 names 10 values 11:True 8:x 10: 3:1"}));
+  client_.Put(u"Name", 1, u"new", Named(u"Start", 5));
+  EXPECT_EQ(Take(), (Lines{"?Name Start", "2 flags 4 names -3 10 values 8:new 3:5 3:1"}));
+  client_.Get(u"");
+  client_.Call(u"", 7);
+  client_.PutDefault(u"v");
+  EXPECT_EQ(Take(), (Lines{"0 flags 2", "0 flags 3 values 3:7", "0 flags 4 names -3 values 8:v"}));
+  client_.Put(u"Name", Object());
+  client_.Put(u"Name", 1);
+  EXPECT_EQ(Take(),
+            (Lines{"?Name", "2 flags 8 names -3 values 9:", "2 flags 4 names -3 values 3:1"}))
+      << "an object by PROPERTYPUTREF; the id is asked for once";
+  for (const char16_t* member : {u"None", u"Item"}) {
+    EXPECT_EQ(FailureOf([&] { client_.Call(member, Named(u"No", 1)); }).substr(0, 4),
+              member[0] == u'N' ? "438:" : "448:");
+  }
+}
+
+TEST_F(ClientTest, AsksInAnotherWayOnlyWhenItIsTurnedDown) {
+  server_->answer = [](WORD flags, VARIANT* result, EXCEPINFO*) {
+    if (flags == DISPATCH_PROPERTYGET || flags == DISPATCH_PROPERTYPUTREF) {
+      return DISP_E_MEMBERNOTFOUND;
+    }
+    if (result != nullptr) *result = Variant(Value(u"done")).Detach();
+    return S_OK;
+  };
+  EXPECT_EQ(client_.Get(u"Name").ToText(), u"done");
+  client_.Put(u"Name", client_);
+  EXPECT_EQ(Take(), (Lines{"?Name", "2 flags 2", "2 flags 3",
+                           "2 flags 8 names -3 values 9:", "2 flags 4 names -3 values 9:"}));
+  server_->answer = [](WORD, VARIANT*, EXCEPINFO*) { return E_FAIL; };
+  EXPECT_THROW(client_.Get(u"Name"), AutomationError);
+  EXPECT_EQ(Take(), (Lines{"2 flags 2"}));
+}
+
+HRESULT STDMETHODCALLTYPE FillInLater(EXCEPINFO* information) {
+  information->bstrDescription = SysAllocString(L"Filled in later");
+  information->scode = static_cast<HRESULT>(0x8004010F);
+  return S_OK;
+}
+
+// A failing call of `client` whose server reports `information`.
+std::string ReportOf(RecordingDispatch& server, const Object& client,
+                     const EXCEPINFO& information) {
+  server.answer = [&](WORD, VARIANT*, EXCEPINFO* reported) {
+    *reported = information;
+    return DISP_E_EXCEPTION;
+  };
+  return FailureOf([&] { client.Call(u"Item"); });
+}
+
+TEST_F(ClientTest, ReportsWhatTheServerSaysOfItsFailure) {
+  const auto scode = [](uint32_t number, const wchar_t* description = nullptr) {
+    EXCEPINFO information{};
+    information.scode = static_cast<HRESULT>(number);
+    information.bstrSource = SysAllocString(L"Source");
+    if (description != nullptr) information.bstrDescription = SysAllocString(description);
+    return information;
+  };
+  EXCEPINFO word{};
+  word.wCode = 1004;
+  word.bstrDescription = SysAllocString(L"Word's own");
+  EXCEPINFO deferred{};
+  deferred.pfnDeferredFillIn = FillInLater;
+  const std::pair<EXCEPINFO, std::string> cases[] = {
+      {scode(0x8004010F, L"Not found"), "-2147221233: Not found"},
+      {scode(0x80040111, L"Logon"), "-2147221231: Logon"},
+      {scode(0x800A0035, L"No file"), "53: No file"},
+      {scode(0x800A0035), "53: File not found"},
+      {scode(0x80020005, L""), "13: Type mismatch"},
+      {word, "1004: Word's own"},
+      {deferred, "-2147221233: Filled in later"}};
+  for (const auto& [information, failure] : cases) {
+    EXPECT_EQ(ReportOf(*server_.Get(), client_, information), failure);
+  }
+  EXPECT_EQ(ReportOf(*server_.Get(), client_, {}).substr(0, 13), "-2147352567: ");
+}
+
+TEST_F(ClientTest, TellsPlainFailuresApart) {
+  const std::pair<uint32_t, std::string> cases[] = {{0x80020003, "438: "},
+                                                    {0x80020004, "448: "},
+                                                    {0x80020007, "446: "},
+                                                    {0x8002000A, "6: "},
+                                                    {0x8002000E, "450: "},
+                                                    {0x8002000F, "449: "},
+                                                    {0x800A0046, "70: "},
+                                                    {0x80040154, "429: "},
+                                                    {0x800706BA, "462: "},
+                                                    {0x80004005, "-2147467259: "},
+                                                    {0x8007000E, "-2147024882: "},
+                                                    {0x80040111, "-2147221231: "},
+                                                    {0x80004001, "-2147467263: Not implemented"}};
+  for (const auto& [result, failure] : cases) {
+    server_->answer = [&](WORD, VARIANT*, EXCEPINFO*) { return static_cast<HRESULT>(result); };
+    const std::string reported = FailureOf([&] { client_.Call(u"Item"); });
+    EXPECT_EQ(reported.substr(0, failure.size()), failure);
+    EXPECT_GT(reported.size(), reported.find(": ") + 2) << "a text for " << failure;
+  }
+  EXPECT_EQ(FailureOf([] { CheckCreated(CLASS_E_CLASSNOTAVAILABLE); }).substr(0, 4), "429:");
+}
+
+HRESULT FailWithErrorInfo(WORD, VARIANT*, EXCEPINFO*) {
+  ComPtr<ICreateErrorInfo> made;
+  ComPtr<IErrorInfo> information;
+  CreateErrorInfo(&made);
+  made->SetDescription(const_cast<LPOLESTR>(L"From the error object"));
+  made.As(&information);
+  SetErrorInfo(0, information.Get());
+  return E_FAIL;
+}
+
+TEST_F(ClientTest, ReadsTheErrorObjectOnlyOfAServerThatLeavesOne) {
+  server_->answer = FailWithErrorInfo;
+  EXPECT_EQ(FailureOf([&] { client_.Call(u"Item"); }).find("error object"), std::string::npos);
+  server_->leaves_error_info = true;
+  EXPECT_EQ(FailureOf([&] { client_.Call(u"Item"); }), "-2147467259: From the error object");
+  FailWithErrorInfo(0, nullptr, nullptr);  // of another call, long ago
+  server_->answer = [](WORD, VARIANT*, EXCEPINFO*) { return E_FAIL; };
+  EXPECT_EQ(FailureOf([&] { client_.Call(u"Item"); }).find("error object"), std::string::npos);
+}
+
+TEST_F(ClientTest, MayBeLetGoOfDuringItsOwnCall) {
+  ComPtr<RecordingDispatch> server = MakeComObject<RecordingDispatch>();
+  Object client = ObjectOf(server.Get());
+  RecordingDispatch& serving = *server.Get();
+  serving.answer = [&](WORD, VARIANT*, EXCEPINFO*) {
+    client.Release();
+    server.Reset();
+    return DISP_E_MEMBERNOTFOUND;  // so that there is more to do
+  };
+  EXPECT_EQ(FailureOf([&] { client.Get(u"Name"); }).substr(0, 4), "438:");
+  EXPECT_FALSE(client);
+}
+
+TEST_F(ClientTest, TellsThatAnObjectIsNoCollection) {
+  for (const HRESULT result : {S_OK, DISP_E_MEMBERNOTFOUND, DISP_E_UNKNOWNNAME}) {
+    server_->answer = [&](WORD, VARIANT*, EXCEPINFO*) { return result; };
+    EXPECT_EQ(FailureOf([&] { client_.Enumerate(); }), "451: Object not a collection");
+  }
+}
+
+// A thread with an apartment of its own, whose server is reached through a proxy.
+class OtherApartment {
+ public:
+  explicit OtherApartment(std::function<ComPtr<IDispatch>()> make_server)
+      : ready_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+        thread_([this, make_server] { Serve(make_server); }) {
+    WaitForSingleObject(ready_, INFINITE);
+  }
+  ~OtherApartment() {
+    PostThreadMessageW(thread_id_, WM_QUIT, 0, 0);
+    thread_.join();
+    CloseHandle(ready_);
+  }
+  Object Connect() {
+    ComPtr<IDispatch> proxy;
+    Check(CoGetInterfaceAndReleaseStream(stream_, IID_PPV_ARGS(&proxy)));
+    return ObjectOf(proxy.Get());
+  }
+
+ private:
+  void Serve(const std::function<ComPtr<IDispatch>()>& make_server) {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    thread_id_ = GetCurrentThreadId();
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);  // makes the queue
+    CoMarshalInterThreadInterfaceInStream(IID_IDispatch, make_server().Get(), &stream_);
+    SetEvent(ready_);
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+    CoUninitialize();
+  }
+
+  HANDLE ready_;
+  DWORD thread_id_ = 0;
+  IStream* stream_ = nullptr;
+  std::thread thread_;
+};
+
+TEST_F(ClientTest, ReachesAServerInAnotherApartment) {
+  RecordingDispatch* recorder = nullptr;
+  OtherApartment apartment([&] {
+    const ComPtr<RecordingDispatch> made = MakeComObject<RecordingDispatch>();
+    recorder = made.Get();
+    return ComPtr<IDispatch>(made);
+  });
+  Object client = apartment.Connect();
+  recorder->answer = [](WORD, VARIANT* result, EXCEPINFO*) {
+    *result = Variant(Value(Value::Array{u"a", 1})).Detach();
+    return S_OK;
+  };
+  EXPECT_EQ(Describe(client.Call(u"Item", u"x", Value::Omitted(), Named(u"Start", 2.5))),
+            "8204:[8:a][3:1]");
+  EXPECT_EQ(recorder->log, (Lines{"?Item Start", "1 flags 3 names 10 values 5:2.5 10: 8:x"}));
+  recorder->answer = [](WORD, VARIANT*, EXCEPINFO*) { return S_OK; };
+  client.Put(u"Name", 3, u"new");
+  EXPECT_EQ(recorder->log.back(), "2 flags 4 names -3 values 8:new 3:3");
+
+  EXCEPINFO deferred{};
+  deferred.pfnDeferredFillIn = FillInLater;
+  // Where the proxy does not fill in, a number is all that is left.
+  EXPECT_NE(ReportOf(*recorder, client, deferred), "");
+  EXCEPINFO described{};
+  described.scode = static_cast<HRESULT>(0x800A0035);
+  described.bstrDescription = SysAllocString(L"No file there");
+  EXPECT_EQ(ReportOf(*recorder, client, described), "53: No file there");
+  EXPECT_EQ(FailureOf([&] { client.Call(u"Item", Named(u"None", 1)); }),
+            "448: Named argument not found");
+  client.Release();
+}
+
+TEST(RealServers, AnswerAsScriptsKnowThem) {
+  WindowsPlatform platform([] { return HWND(); });
+  const Object document = platform.CreateObject(u"MSXML2.DOMDocument", {});
+  EXPECT_TRUE(document.Call(u"loadXML", u"<a><b c='1'/><b c='2'/></a>").ToBoolean());
+  const Object first = document.CallChild(u"selectSingleNode", u"a/b[1]");
+  EXPECT_EQ(first.Call(u"getAttribute", u"c").ToText(), u"1");
+  EXPECT_TRUE(first.Call(u"getAttribute", u"none").IsNull());
+  EXPECT_TRUE(document.CallChild(u"selectSingleNode", u"none").IsNothing());
+  EXPECT_EQ(FailureOf([&] { document.Enumerate(); }), "451: Object not a collection");
+  const Object nodes = document.GetChild(u"documentElement").GetChild(u"childNodes");
+  int count = 0;
+  for (const auto walk = nodes.Enumerate(); walk->Next();) ++count;
+  EXPECT_EQ(count, 2);
+  EXPECT_EQ(nodes.CallChild(u"", 1).Call(u"getAttribute", u"c").ToText(), u"2");
+
+  const Object files = platform.CreateObject(u"Scripting.FileSystemObject", {});
+  EXPECT_FALSE(files.Get(u"GetTempName").ToText().empty()) << "a method, read as a property";
+  EXPECT_EQ(FailureOf([&] { files.Call(u"GetFolder", u"C:\\no such folder"); }).substr(0, 3),
+            "76:");
+  const Value windows = files.CallChild(u"GetFolder", u"C:\\windows").GetDefault();
+  EXPECT_EQ(LowerCase(windows.ToText()), u"c:\\windows");
+}
+
+}  // namespace
+}  // namespace kestrelon::testing
