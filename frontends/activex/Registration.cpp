@@ -124,15 +124,18 @@ HRESULT UnregisterFor(Users users) {
     const Places places;
     const HKEY root = RootOf(users);
     if (BelongsToAnother(root, places)) return S_OK;
-    std::vector<String> keys = {places.control, places.members, places.events};
-    if (!HasRegistryKey(root, places.control, kOtherView)) keys.push_back(places.prog_id);
-    const bool has_other = HasRegistryKey(root, Join(places.version, u"\\0\\", kOtherSystem));
-    keys.push_back(has_other ? Join(places.version, u"\\0\\", kSystem) : places.version);
     HRESULT result = S_OK;
-    for (const String& key : keys) {
+    const auto remove = [&](const String& key) {
       const LSTATUS status = DeleteRegistryTree(root, key);
       if (status != ERROR_SUCCESS && SUCCEEDED(result)) result = HRESULT_FROM_WIN32(status);
-    }
+    };
+    remove(places.control);
+    remove(places.members);
+    remove(places.events);
+    // Only now: where both architectures have the same keys, this one's is no sign of the other.
+    if (!HasRegistryKey(root, places.control, kOtherView)) remove(places.prog_id);
+    const bool has_other = HasRegistryKey(root, Join(places.version, u"\\0\\", kOtherSystem));
+    remove(has_other ? Join(places.version, u"\\0\\", kSystem) : places.version);
     DeleteEmptyRegistryKey(root, places.library);
     return result;
   });

@@ -1,0 +1,137 @@
+// What a host asks of a control that it places, besides calling it.
+
+#include <gtest/gtest.h>
+
+#include "platform/windows/ComClass.h"
+#include "platform/windows/Variants.h"
+#include "tests/frontends/activex/ControlModule.h"
+
+namespace kestrelon {
+namespace {
+
+// Calls the point again while that lets go of it.
+class Sink final : public ComClass<IDispatch> {
+ public:
+  explicit Sink(int& alive) : alive_(alive) { ++alive_; }
+  ~Sink() override {
+    --alive_;
+    EXPECT_EQ(point->Unadvise(cookie), CONNECT_E_NOCONNECTION);
+  }
+  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+  STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                      UINT*) override {
+    return E_NOTIMPL;
+  }
+
+  ComPtr<IConnectionPoint> point;
+  DWORD cookie = 0;
+
+ private:
+  int& alive_;
+};
+
+TEST(Hosting, KeepsSinksUntilTheyAreDisconnected) {
+  const ControlModule module;
+  auto container = module.MakeControl<IConnectionPointContainer>();
+  ComPtr<IEnumConnectionPoints> points;
+  ASSERT_EQ(container->EnumConnectionPoints(&points), S_OK);
+  ComPtr<IConnectionPoint> point;
+  ASSERT_EQ(points->Next(1, &point, nullptr), S_OK);
+  ComPtr<IConnectionPoint> found;
+  EXPECT_EQ(points->Next(1, &found, nullptr), S_FALSE);
+  ASSERT_EQ(container->FindConnectionPoint(kEventsInterface, &found), S_OK);
+  EXPECT_EQ(found, point);
+  EXPECT_EQ(container->FindConnectionPoint(kMembersInterface, &found), CONNECT_E_NOCONNECTION);
+
+  int alive = 0;
+  DWORD cookies[2];
+  for (DWORD& cookie : cookies) {
+    const auto sink = MakeComObject<Sink>(alive);
+    ASSERT_EQ(point->Advise(sink.Get(), &cookie), S_OK);
+    sink->point = point;
+    sink->cookie = cookie;
+  }
+  EXPECT_EQ(point->Advise(module.MakeControl<IOleObject>().Get(), nullptr), E_POINTER);
+  ComPtr<IEnumConnections> connections;
+  ASSERT_EQ(point->EnumConnections(&connections), S_OK);
+  CONNECTDATA data[3];
+  ULONG count = 0;
+  EXPECT_EQ(connections->Next(3, data, &count), S_FALSE);
+  ASSERT_EQ(count, 2u);
+  for (ULONG i = 0; i < count; ++i) {
+    EXPECT_EQ(data[i].dwCookie, cookies[i]);
+    data[i].pUnk->Release();
+  }
+  connections.Reset();
+
+  EXPECT_EQ(point->Unadvise(cookies[0]), S_OK);
+  EXPECT_EQ(point->Unadvise(cookies[0]), CONNECT_E_NOCONNECTION);
+  EXPECT_EQ(alive, 1);
+  points.Reset();
+  container.Reset();  // the point outlives its control
+  ComPtr<IConnectionPointContainer> gone;
+  EXPECT_EQ(point->GetConnectionPointContainer(&gone), E_UNEXPECTED);
+  EXPECT_EQ(point->Unadvise(cookies[1]), S_OK);
+  EXPECT_EQ(alive, 0);
+  EXPECT_EQ(module.Call("DllCanUnloadNow"), S_FALSE);
+  point.Reset();
+  EXPECT_EQ(module.Call("DllCanUnloadNow"), S_OK);
+}
+
+TEST(Hosting, DescribesTheControl) {
+  const ControlModule module;
+  const auto description = module.MakeControl<IProvideClassInfo2>();
+  ComPtr<ITypeInfo> type;
+  ASSERT_EQ(description->GetClassInfo(&type), S_OK);
+  Bstr name;
+  ASSERT_EQ(type->GetDocumentation(MEMBERID_NIL, name.Receive(), nullptr, nullptr, nullptr), S_OK);
+  EXPECT_EQ(name.text(), kControlName);
+  GUID events;
+  ASSERT_EQ(description->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &events), S_OK);
+  EXPECT_TRUE(IsEqualGUID(events, kEventsInterface));
+  EXPECT_EQ(description->GetGUID(2, &events), E_INVALIDARG);
+}
+
+TEST(Hosting, IsPlacedWithoutBeingShown) {
+  const ControlModule module;
+  const auto object = module.MakeControl<IOleObject>();
+  for (const LONG verb : {OLEIVERB_SHOW, OLEIVERB_INPLACEACTIVATE, OLEIVERB_HIDE}) {
+    EXPECT_EQ(object->DoVerb(verb, nullptr, nullptr, 0, nullptr, nullptr), S_OK);
+  }
+  SIZEL size = {100, 200};
+  EXPECT_EQ(object->SetExtent(DVASPECT_CONTENT, &size), S_OK);
+  size = {};
+  EXPECT_EQ(object->GetExtent(DVASPECT_CONTENT, &size), S_OK);
+  EXPECT_EQ(size.cy, 200);
+  EXPECT_EQ(object->GetExtent(DVASPECT_ICON, &size), DV_E_DVASPECT);
+  EXPECT_EQ(object->GetMiscStatus(DVASPECT_CONTENT, nullptr), E_POINTER);
+  EXPECT_EQ(object->EnumVerbs(nullptr), E_POINTER);
+  EXPECT_EQ(object->Close(OLECLOSE_NOSAVE), S_OK);
+  // What a host would ask before it takes over a page's data.
+  ComPtr<IPersist> stored;
+  EXPECT_EQ(object.As(&stored), E_NOINTERFACE);
+}
+
+TEST(Hosting, HandsOutFactoriesOfItsOwnClassOnly) {
+  const ControlModule module;
+  ComPtr<IClassFactory> factory;
+  EXPECT_EQ(module.GetClassObject(kTypeLibrary, IID_PPV_ARGS(&factory)), CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(module.GetClassObject(kControlClass, IID_IClassFactory, nullptr), E_POINTER);
+  ASSERT_EQ(module.GetClassObject(kControlClass, IID_PPV_ARGS(&factory)), S_OK);
+  ComPtr<IUnknown> control;
+  EXPECT_EQ(factory->CreateInstance(factory.Get(), IID_PPV_ARGS(&control)), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IPersist, &control), E_NOINTERFACE);
+  EXPECT_EQ(module.Call("DllCanUnloadNow"), S_FALSE);
+  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+  factory.Reset();
+  EXPECT_EQ(module.Call("DllCanUnloadNow"), S_FALSE);
+  ASSERT_EQ(module.GetClassObject(kControlClass, IID_PPV_ARGS(&factory)), S_OK);
+  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+  factory.Reset();
+  EXPECT_EQ(module.Call("DllCanUnloadNow"), S_OK);
+}
+
+}  // namespace
+}  // namespace kestrelon

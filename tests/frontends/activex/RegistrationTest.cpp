@@ -1,0 +1,195 @@
+// Registering and removing, in the registry of a throw-away Wine prefix.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+
+#include "frontends/activex/EmbeddedObject.h"
+#include "frontends/activex/Registration.h"
+#include "frontends/activex/Registry.h"
+#include "tests/frontends/activex/ControlModule.h"
+
+namespace kestrelon {
+namespace {
+
+using Entries = std::set<String>;  // "key\name=text", from Classes on, keys in small letters
+
+String TextOf(REFGUID guid) {
+  wchar_t text[39];
+  StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
+  return FromWide(text);
+}
+
+void Walk(HKEY key, const String& path, Entries& entries) {
+  entries.insert(path);
+  wchar_t name[512];
+  DWORD length = std::size(name);
+  std::vector<BYTE> data(1 << 16);
+  DWORD size = static_cast<DWORD>(data.size());
+  for (DWORD i = 0;
+       RegEnumValueW(key, i, name, &length, nullptr, nullptr, data.data(), &size) == ERROR_SUCCESS;
+       ++i, length = std::size(name), size = static_cast<DWORD>(data.size())) {
+    entries.insert(path + u"\\" + FromWide(name) + u"=" +
+                   String(reinterpret_cast<char16_t*>(data.data()), size / sizeof(char16_t)));
+  }
+  for (DWORD i = 0; RegEnumKeyW(key, i, name, std::size(name)) == ERROR_SUCCESS; ++i) {
+    HKEY child = nullptr;
+    ASSERT_EQ(RegOpenKeyExW(key, name, 0, KEY_READ, &child), ERROR_SUCCESS);
+    Walk(child, path + u"\\" + LowerCase(FromWide(name)), entries);
+    RegCloseKey(child);
+  }
+}
+
+Entries Classes(HKEY root) {
+  HKEY classes = nullptr;
+  Entries entries;
+  if (RegOpenKeyExW(root, L"Software\\Classes", 0, KEY_READ, &classes) == ERROR_SUCCESS) {
+    Walk(classes, {}, entries);
+    RegCloseKey(classes);
+  }
+  return entries;
+}
+
+Entries Added(const Entries& before, const Entries& after) {
+  Entries added;
+  std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
+                      std::inserter(added, added.end()));
+  return added;
+}
+
+void WriteText(HKEY root, const String& key, const wchar_t* name, const std::wstring& text) {
+  ASSERT_EQ(RegSetKeyValueW(root, AsWide(key), name, REG_SZ, text.c_str(),
+                            static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+            ERROR_SUCCESS);
+}
+
+void CreateKey(HKEY root, const String& path, DWORD options = 0, REGSAM view = 0) {
+  HKEY key = nullptr;
+  ASSERT_EQ(RegCreateKeyExW(root, AsWide(path), 0, nullptr, options, KEY_READ | view, nullptr, &key,
+                            nullptr),
+            ERROR_SUCCESS);
+  RegCloseKey(key);
+}
+
+const String kClass = u"Software\\Classes\\CLSID\\" + TextOf(kControlClass);
+const String kLibrary = u"Software\\Classes\\TypeLib\\" + TextOf(kTypeLibrary);
+
+// Walking the whole of the machine's classes takes its time: it is done around all tests.
+class RegistrationTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    // A user has these as soon as anything is entered for him; they are the system's, and stay.
+    for (const wchar_t* key : {L"CLSID", L"TypeLib", L"Interface"}) {
+      CreateKey(HKEY_CURRENT_USER, u"Software\\Classes\\" + FromWide(key));
+    }
+    machine_ = Classes(HKEY_LOCAL_MACHINE);
+    user_ = Classes(HKEY_CURRENT_USER);
+    ASSERT_GT(machine_.size(), 1000u);
+  }
+  void TearDown() override { EXPECT_EQ(Classes(HKEY_CURRENT_USER), user_); }
+  static void TearDownTestSuite() {
+    const Entries left = Classes(HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(Added(machine_, left), Entries());
+    EXPECT_EQ(Added(left, machine_), Entries());
+  }
+
+  static inline Entries machine_;
+  static inline Entries user_;
+};
+
+TEST_F(RegistrationTest, MakesTheControlKnownByItsName) {
+  // Also where the path is not of the user's code page.
+  const auto folder = std::filesystem::temp_directory_path() / u"Kestrelon Zo\u00eb \u6f22";
+  std::filesystem::create_directories(folder);
+  const auto path = folder / "Control.dll";
+  std::filesystem::copy_file(BinaryFolder() / "KestrelonControl2005.dll", path,
+                             std::filesystem::copy_options::overwrite_existing);
+  const ControlModule module(path);
+  ASSERT_EQ(module.Call("DllRegisterServer"), S_OK);
+  const Entries registered = Classes(HKEY_LOCAL_MACHINE);
+  EXPECT_EQ(module.Call("DllRegisterServer"), S_OK);
+  EXPECT_EQ(Classes(HKEY_LOCAL_MACHINE), registered);
+
+  CLSID clsid;
+  ASSERT_EQ(CLSIDFromProgID(AsWide(String(kProgId)), &clsid), S_OK);
+  {
+    ComPtr<IDispatch> control;
+    ASSERT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control)), S_OK);
+    ComPtr<ITypeInfo> type;
+    EXPECT_EQ(control->GetTypeInfo(0, LOCALE_NEUTRAL, &type), S_OK);
+    ComPtr<ITypeLib> library;
+    EXPECT_EQ(LoadRegTypeLib(kTypeLibrary, 1, 0, LOCALE_NEUTRAL, &library), S_OK);
+  }
+  EXPECT_EQ(ReadRegistryText(HKEY_LOCAL_MACHINE, kClass + u"\\MiscStatus\\1"),
+            FromUtf8(std::to_string(EmbeddedObject::kMiscStatus)));
+  for (const String& entry : Added(machine_, registered)) {
+    // The categories of controls that are safe for scripting, and for initialising.
+    EXPECT_EQ(entry.find(u"7DD95801"), String::npos);
+    EXPECT_EQ(entry.find(u"7DD95802"), String::npos);
+  }
+  EXPECT_EQ(module.Call("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(module.Call("DllUnregisterServer"), S_OK);
+}
+
+TEST_F(RegistrationTest, EntersTheSameForOneUser) {
+  ASSERT_EQ(RegisterFor(Users::kThisOne), S_OK);
+  const Entries of_user = Added(user_, Classes(HKEY_CURRENT_USER));
+  EXPECT_FALSE(HasRegistryKey(HKEY_LOCAL_MACHINE, kClass));
+  ASSERT_EQ(RegisterFor(Users::kAll), S_OK);
+  const Entries of_machine = Added(machine_, Classes(HKEY_LOCAL_MACHINE));
+  EXPECT_EQ(Added(of_machine, of_user), Entries());
+  // Wine shows the machine's type libraries in both views.
+  for (const String& entry : Added(of_user, of_machine)) {
+    EXPECT_TRUE(entry.starts_with(u"\\wow6432node\\typelib\\")) << ToUtf8(entry);
+  }
+  EXPECT_GT(of_user.size(), 20u);
+  EXPECT_EQ(Unregister(), S_OK);
+}
+
+TEST_F(RegistrationTest, TakesBackWhatItCouldNotFinish) {
+  // Nothing lasting can be entered below a volatile key.
+  CreateKey(HKEY_CURRENT_USER, kLibrary, REG_OPTION_VOLATILE);
+  const Entries before = Classes(HKEY_CURRENT_USER);
+  EXPECT_EQ(RegisterFor(Users::kThisOne), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
+  EXPECT_EQ(Classes(HKEY_CURRENT_USER), before);
+
+  WriteText(HKEY_CURRENT_USER, kClass, nullptr, L"An earlier name");
+  const Entries earlier = Classes(HKEY_CURRENT_USER);
+  EXPECT_TRUE(FAILED(RegisterFor(Users::kThisOne)));
+  EXPECT_EQ(Classes(HKEY_CURRENT_USER), earlier);
+  EXPECT_EQ(UnregisterFor(Users::kThisOne), S_OK);
+}
+
+TEST_F(RegistrationTest, LeavesWhatBelongsToAnotherFile) {
+  ASSERT_EQ(RegisterFor(Users::kThisOne), S_OK);
+  const String server = kClass + u"\\InprocServer32";
+  WriteText(HKEY_CURRENT_USER, server, nullptr,
+            (BinaryFolder() / "KestrelonControl2005.dll").wstring());
+  const Entries others = Classes(HKEY_CURRENT_USER);
+  EXPECT_EQ(Unregister(), S_OK);
+  EXPECT_EQ(Classes(HKEY_CURRENT_USER), others);
+  WriteText(HKEY_CURRENT_USER, server, nullptr, L"C:\\moved away\\KestrelonControl2005.dll");
+  EXPECT_EQ(Unregister(), S_OK);
+}
+
+TEST_F(RegistrationTest, LeavesWhatTheOtherArchitectureNeeds) {
+  const bool is_64_bit = sizeof(void*) == 8;
+  const REGSAM other_view = is_64_bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+  const String other_library = kLibrary + (is_64_bit ? u"\\1.0\\0\\win32" : u"\\1.0\\0\\win64");
+  ASSERT_EQ(RegisterFor(Users::kAll), S_OK);
+  WriteText(HKEY_LOCAL_MACHINE, other_library, nullptr, L"C:\\other.dll");
+  CreateKey(HKEY_LOCAL_MACHINE, kClass, 0, other_view);
+  EXPECT_EQ(Unregister(), S_OK);
+  const String prog_id = u"Software\\Classes\\" + String(kProgId) + u"\\CLSID";
+  EXPECT_EQ(ReadRegistryText(HKEY_LOCAL_MACHINE, prog_id), TextOf(kControlClass));
+  EXPECT_EQ(ReadRegistryText(HKEY_LOCAL_MACHINE, other_library), u"C:\\other.dll");
+  EXPECT_FALSE(HasRegistryKey(HKEY_LOCAL_MACHINE, kClass));
+
+  EXPECT_EQ(RegDeleteKeyExW(HKEY_LOCAL_MACHINE, AsWide(kClass), other_view, 0), ERROR_SUCCESS);
+  EXPECT_EQ(DeleteRegistryTree(HKEY_LOCAL_MACHINE, other_library), ERROR_SUCCESS);
+  EXPECT_EQ(Unregister(), S_OK);
+}
+
+}  // namespace
+}  // namespace kestrelon

@@ -1,0 +1,197 @@
+// The type library against the table that it is made from.
+
+#include <gtest/gtest.h>
+
+#include <iomanip>
+#include <set>
+#include <sstream>
+#include <vector>
+
+#include "Control/InterfaceTable.h"
+#include "platform/windows/Variants.h"
+#include "tests/frontends/activex/ControlModule.h"
+
+namespace kestrelon {
+namespace {
+
+const char* TypeName(ParameterType type) {
+  switch (type) {
+    case ParameterType::kNone:
+      return "void";
+    case ParameterType::kString:
+      return "BSTR";
+    case ParameterType::kBoolean:
+      return "VARIANT_BOOL";
+    case ParameterType::kInteger:
+      return "short";
+    case ParameterType::kVariant:
+      return "VARIANT";
+    default:
+      return "IDispatch*";
+  }
+}
+
+std::string TypeName(const TYPEDESC& type) {
+  switch (type.vt) {
+    case VT_VOID:
+      return "void";
+    case VT_BSTR:
+      return "BSTR";
+    case VT_BOOL:
+      return "VARIANT_BOOL";
+    case VT_I2:
+      return "short";
+    case VT_VARIANT:
+      return "VARIANT";
+    case VT_DISPATCH:
+      return "IDispatch*";
+    case VT_PTR:
+      return TypeName(*type.lptdesc) + "*";
+    default:
+      return "type " + std::to_string(type.vt);
+  }
+}
+
+std::string DefaultText(const Value& value) {
+  return (value.IsBoolean()  ? "boolean "
+          : value.IsString() ? "text "
+                             : "other ") +
+         ToUtf8(value.ToText());
+}
+
+// A member in the words of an interface definition.
+std::string Expected(const Member& member) {
+  const bool is_put = member.kind == MemberKind::kPropertyPut;
+  std::ostringstream text;
+  text << std::hex << member.dispid << (is_put ? " put " : " ") << TypeName(member.result) << ' '
+       << ToUtf8(member.name);
+  for (const Parameter& parameter : member.parameters) {
+    text << "\n  [in, out";
+    if (parameter.optional) text << ", optional";
+    if (parameter.default_value) text << ", default " << DefaultText(*parameter.default_value);
+    text << "] " << TypeName(parameter.type) << "* " << (is_put ? "" : ToUtf8(parameter.name));
+  }
+  return text.str();
+}
+
+std::string Described(ITypeInfo& type, const FUNCDESC& function) {
+  std::vector<BSTR> names(function.cParams + 1);
+  UINT count = 0;
+  type.GetNames(function.memid, names.data(), static_cast<UINT>(names.size()), &count);
+  std::ostringstream text;
+  text << std::hex << function.memid << (function.invkind == INVOKE_PROPERTYPUT ? " put " : " ")
+       << TypeName(function.elemdescFunc.tdesc) << ' ' << ToUtf8(Bstr(names[0]).text());
+  for (SHORT i = 0; i < function.cParams; ++i) {
+    const ELEMDESC& element = function.lprgelemdescParam[i];
+    const USHORT flags = element.paramdesc.wParamFlags;
+    text << "\n  [" << (flags & PARAMFLAG_FIN ? "in" : "")
+         << (flags & PARAMFLAG_FOUT ? ", out" : "") << (flags & PARAMFLAG_FOPT ? ", optional" : "");
+    if (flags & PARAMFLAG_FHASDEFAULT) {
+      text << ", default " << DefaultText(ValueOf(element.paramdesc.pparamdescex->varDefaultValue));
+    }
+    text << "] " << TypeName(element.tdesc) << ' ' << ToUtf8(Bstr(names[i + 1]).text());
+  }
+  return text.str();
+}
+
+// Every dispatch interface begins with the functions of IDispatch.
+constexpr UINT kOfIDispatch = 7;
+
+struct LibraryFile {
+  const char* name;
+  SYSKIND system;
+};
+void PrintTo(const LibraryFile& file, std::ostream* out) { *out << file.name; }
+
+class TypeLibraryTest : public testing::TestWithParam<LibraryFile> {
+ protected:
+  void SetUp() override {
+    const auto path = BinaryFolder() / GetParam().name;
+    ASSERT_EQ(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library_), S_OK) << path;
+  }
+  ComPtr<ITypeInfo> Type(REFGUID guid) {
+    ComPtr<ITypeInfo> type;
+    EXPECT_EQ(library_->GetTypeInfoOfGuid(guid, &type), S_OK);
+    return type;
+  }
+
+  ComPtr<ITypeLib> library_;
+};
+
+TEST_P(TypeLibraryTest, DescribesEveryMemberOfTheTable) {
+  const auto type = Type(kMembersInterface);
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
+  EXPECT_EQ(attributes->typekind, TKIND_DISPATCH);
+  EXPECT_EQ(attributes->wTypeFlags & (TYPEFLAG_FNONEXTENSIBLE | TYPEFLAG_FDISPATCHABLE),
+            TYPEFLAG_FNONEXTENSIBLE | TYPEFLAG_FDISPATCHABLE);
+  ASSERT_EQ(attributes->cFuncs, kOfIDispatch + InterfaceTable().size());
+  type->ReleaseTypeAttr(attributes);
+
+  UINT index = kOfIDispatch;
+  for (const Member& member : InterfaceTable()) {
+    FUNCDESC* function = nullptr;
+    ASSERT_EQ(type->GetFuncDesc(index++, &function), S_OK);
+    EXPECT_EQ(Described(*type.Get(), *function), Expected(member));
+    type->ReleaseFuncDesc(function);
+  }
+}
+
+TEST_P(TypeLibraryTest, MakesTheControlOfBothInterfaces) {
+  TLIBATTR* library = nullptr;
+  ASSERT_EQ(library_->GetLibAttr(&library), S_OK);
+  EXPECT_TRUE(IsEqualGUID(library->guid, kTypeLibrary));
+  EXPECT_EQ(library->syskind, GetParam().system);
+  EXPECT_EQ(library->wMajorVerNum, 1);
+  EXPECT_EQ(library->lcid, 0u);
+  library_->ReleaseTLibAttr(library);
+  Bstr name;
+  Bstr description;
+  ASSERT_EQ(library_->GetDocumentation(-1, name.Receive(), description.Receive(), nullptr, nullptr),
+            S_OK);
+  EXPECT_EQ(name.text(), kProjectName);
+  EXPECT_EQ(description.text(), kModuleName);
+
+  const auto control = Type(kControlClass);
+  const std::pair<IID, INT> interfaces[] = {
+      {kMembersInterface, IMPLTYPEFLAG_FDEFAULT},
+      {kEventsInterface, IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}};
+  for (UINT i = 0; i < 2; ++i) {
+    HREFTYPE reference = 0;
+    ComPtr<ITypeInfo> type;
+    INT flags = 0;
+    ASSERT_EQ(control->GetRefTypeOfImplType(i, &reference), S_OK);
+    ASSERT_EQ(control->GetRefTypeInfo(reference, &type), S_OK);
+    ASSERT_EQ(control->GetImplTypeFlags(i, &flags), S_OK);
+    EXPECT_EQ(flags, interfaces[i].second);
+    TYPEATTR* attributes = nullptr;
+    ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
+    EXPECT_TRUE(IsEqualIID(attributes->guid, interfaces[i].first));
+    EXPECT_EQ(attributes->cFuncs, kOfIDispatch + (i == 0 ? InterfaceTable().size() : 0));
+    type->ReleaseTypeAttr(attributes);
+  }
+}
+
+constexpr SYSKIND kSystem = sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32;
+INSTANTIATE_TEST_SUITE_P(Module, TypeLibraryTest,
+                         testing::Values(LibraryFile{"KestrelonControl2005.dll", kSystem}));
+#ifdef _WIN64
+INSTANTIATE_TEST_SUITE_P(For32Bits, TypeLibraryTest,
+                         testing::Values(LibraryFile{"../typelib/i686.tlb", SYS_WIN32}));
+#endif
+
+// A library holds a name in one spelling only, the first that it meets.
+TEST(TypeLibraryNames, DifferInMoreThanCase) {
+  std::set<String> spellings = {String(kProjectName), String(kControlName)};
+  for (const Member& member : InterfaceTable()) {
+    spellings.emplace(member.name);
+    for (const Parameter& parameter : member.parameters) spellings.emplace(parameter.name);
+  }
+  std::set<String> folded;
+  for (const String& name : spellings) {
+    EXPECT_TRUE(folded.insert(LowerCase(name)).second) << ToUtf8(name);
+  }
+}
+
+}  // namespace
+}  // namespace kestrelon
