@@ -1,4 +1,4 @@
-# Shared by ./demo, ./test and .ci/run: what has to be installed, and how the project is built.
+# Shared by ./demo, ./test, ./build-windows and .ci/run: what has to be installed, and how the project is built.
 
 set -euo pipefail
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -12,6 +12,9 @@ run_packages=(libreoffice-writer-nogui libreoffice-calc-nogui fonts-liberation
   fonts-crosextra-carlito fonts-crosextra-caladea python3)
 test_packages=(libgtest-dev libgmock-dev python3 poppler-utils khard khal todoman
   python3-vobject python3-icalendar python3-dateutil)
+# The cross compilers, and Wine, which runs the build's own tools and the tests.
+windows_packages=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build python3 wine
+  wine64)
 lint_packages=(clang-format clang-tidy)
 
 say() { printf '\n== %s\n' "$*"; }
@@ -46,4 +49,15 @@ build() {
   say "Building in ${folder#"$project"/}"
   cmake -S "$project" -B "$folder" -G Ninja "$@" >/dev/null
   cmake --build "$folder"
+}
+
+# build_for_windows ARCHITECTURE TARGET [CMAKE OPTION…]: in build-win/ARCHITECTURE, which keeps the
+# options that it was given before. Not all of a build with tests is needed for the control alone.
+build_for_windows() {
+  local architecture=$1 target=$2 folder=$project/build-win/$1
+  shift 2
+  say "Building $target for $architecture"
+  cmake -S "$project" -B "$folder" -G Ninja -DKESTRELON_WINDOWS="$architecture" \
+    -DCMAKE_TOOLCHAIN_FILE="$project/cmake/mingw-w64.cmake" "$@" >/dev/null
+  cmake --build "$folder" --target "$target"
 }
