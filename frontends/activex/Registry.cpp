@@ -78,16 +78,15 @@ RegistryChanges::~RegistryChanges() {
 }
 
 LSTATUS RegistryChanges::Write(const String& key, const String& name, const String& text) {
-  undo_.reserve(undo_.size() + 1);
-  Undo undo{FirstMissing(root_, key), true, name, std::nullopt};
-  if (undo.key.empty()) undo = {key, false, name, std::nullopt};
+  // What is to be undone is noted before it is done: nothing may fail in between.
+  const String missing = FirstMissing(root_, key);
+  if (!missing.empty()) undo_.push_back({missing, true, {}, std::nullopt});
   RegistryKey opened;
   const LSTATUS status =
       RegCreateKeyExW(root_, AsWide(key), 0, nullptr, REG_OPTION_NON_VOLATILE,
                       KEY_QUERY_VALUE | KEY_SET_VALUE, nullptr, opened.Receive(), nullptr);
   if (status != ERROR_SUCCESS) return status;
-  if (!undo.is_new_key) undo.old_value = Read(opened.get(), name);
-  undo_.push_back(std::move(undo));
+  if (missing.empty()) undo_.push_back({key, false, name, Read(opened.get(), name)});
   return RegSetValueExW(opened.get(), AsWide(name), 0, REG_SZ,
                         reinterpret_cast<const BYTE*>(text.c_str()),
                         static_cast<DWORD>((text.size() + 1) * sizeof(char16_t)));
