@@ -1,10 +1,12 @@
-"""Checks that a module for Windows exports what it should, and runs on any Windows by itself.
+"""Checks that a module for Windows has the exports and the version that it should, runs on any
+Windows by itself, and holds nothing of the place where it was built.
 
 CheckModule.py MODULE ARCHITECTURE, with x86_64 or i686 for the architecture.
 """
 
 import pathlib
 import re
+import struct
 import subprocess
 import sys
 
@@ -17,6 +19,15 @@ SYSTEM_LIBRARIES = {
     for name in """advapi32 kernel32 msvcrt ole32 oleaut32 shell32 urlmon user32 version
                    wininet""".split()
 }
+
+
+def versions_of(contents):
+    """The version of the file and of the product in the version resource."""
+    start = contents.find(struct.pack("<II", 0xFEEF04BD, 0x10000))
+    if start < 0:
+        return []
+    words = struct.unpack_from("<8H", contents, start + 8)
+    return ["{1}.{0}.{3}.{2}".format(*words[i:i + 4]) for i in (0, 4)]
 
 
 def faults_of(module, architecture):
@@ -37,6 +48,10 @@ def faults_of(module, architecture):
             yield (f"it imports {name}: link that statically, or enter it in SYSTEM_LIBRARIES of "
                    f"{pathlib.Path(__file__).name} if every Windows has it")
     contents = pathlib.Path(module).read_bytes()
+    project = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
+    version = re.search(r"^project\(\w+ VERSION ([\d.]+)", project, re.M)[1]
+    if versions_of(contents) != [version, version]:
+        yield f"its file and product version are {versions_of(contents)}, not {version}"
     if any(str(ROOT).encode(encoding) in contents for encoding in ("utf-8", "utf-16-le")):
         yield f"it holds the path of this build, {ROOT}, and would differ from any other build"
 
@@ -44,7 +59,8 @@ def faults_of(module, architecture):
 def main(module, architecture):
     faults = list(faults_of(module, architecture))
     print("\n".join(f"{module}: {fault}" for fault in faults) or
-          f"{pathlib.Path(module).name} for {architecture}: four exports, system libraries only")
+          f"{pathlib.Path(module).name} for {architecture}: four exports, "
+          "system libraries only")
     return 1 if faults else 0
 
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <iomanip>
+#include <map>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -14,42 +14,21 @@
 namespace kestrelon {
 namespace {
 
-const char* TypeName(ParameterType type) {
-  switch (type) {
-    case ParameterType::kNone:
-      return "void";
-    case ParameterType::kString:
-      return "BSTR";
-    case ParameterType::kBoolean:
-      return "VARIANT_BOOL";
-    case ParameterType::kInteger:
-      return "short";
-    case ParameterType::kVariant:
-      return "VARIANT";
-    default:
-      return "IDispatch*";
-  }
-}
+// As interface definitions spell them.
+const std::map<VARTYPE, std::string> kTypeNames = {
+    {VT_VOID, "void"}, {VT_BSTR, "BSTR"},       {VT_BOOL, "VARIANT_BOOL"},
+    {VT_I2, "short"},  {VT_VARIANT, "VARIANT"}, {VT_DISPATCH, "IDispatch*"}};
 
 std::string TypeName(const TYPEDESC& type) {
-  switch (type.vt) {
-    case VT_VOID:
-      return "void";
-    case VT_BSTR:
-      return "BSTR";
-    case VT_BOOL:
-      return "VARIANT_BOOL";
-    case VT_I2:
-      return "short";
-    case VT_VARIANT:
-      return "VARIANT";
-    case VT_DISPATCH:
-      return "IDispatch*";
-    case VT_PTR:
-      return TypeName(*type.lptdesc) + "*";
-    default:
-      return "type " + std::to_string(type.vt);
-  }
+  if (type.vt == VT_PTR) return TypeName(*type.lptdesc) + "*";
+  const auto name = kTypeNames.find(type.vt);
+  return name == kTypeNames.end() ? "type " + std::to_string(type.vt) : name->second;
+}
+
+const char* TypeName(ParameterType type) {
+  const char* const names[] = {"void",    "BSTR",       "VARIANT_BOOL", "short",
+                               "VARIANT", "IDispatch*", "IDispatch*",   "IDispatch*"};
+  return names[static_cast<size_t>(type)];
 }
 
 std::string DefaultText(const Value& value) {
