@@ -79,6 +79,7 @@ const String kLibrary = u"Software\\Classes\\TypeLib\\" + TextOf(kTypeLibrary);
 class RegistrationTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
+    ControlModule().Call("DllUnregisterServer");  // of a run that was cut short
     // A user has these as soon as anything is entered for him; they are the system's, and stay.
     for (const wchar_t* key : {L"CLSID", L"TypeLib", L"Interface"}) {
       CreateKey(HKEY_CURRENT_USER, u"Software\\Classes\\" + FromWide(key));
