@@ -47,6 +47,9 @@ constexpr uint32_t kInternetReload = 0x80000000;
 // A path of the system's ANSI calls with its terminator (MAX_PATH), in bytes.
 constexpr size_t kAnsiPathSize = 260;
 
+// The title of a message box that is given none.
+constexpr const char16_t* kDefaultMessageTitle = u"KNControl2005";
+
 class Platform {
  public:
   virtual ~Platform() = default;
@@ -58,7 +61,7 @@ class Platform {
   virtual Object GetRunningObject(StringView prog_id) = 0;
 
   // A modal message box; the number of the button pressed (1 OK, 2 Cancel, 3 Abort, 4 Retry,
-  // 5 Ignore, 6 Yes, 7 No). An absent title is the desktop's default one.
+  // 5 Ignore, 6 Yes, 7 No). An absent title is kDefaultMessageTitle.
   virtual int32_t ShowMessageBox(const String& text, int32_t flags,
                                  const std::optional<String>& title) = 0;
 

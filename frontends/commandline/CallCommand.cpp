@@ -11,7 +11,6 @@ namespace kestrelon::commandline {
 namespace {
 
 constexpr int32_t kOkButton = 1;
-constexpr const char16_t* kDefaultTitle = u"KNControl2005";
 
 const Member& RequireMember(const std::string& name) {
   const Member* member = FindMember(FromUtf8(name));
@@ -105,7 +104,7 @@ int CallMember(Platform& platform, const CallRequest& request, std::ostream& out
 
 int32_t ShowMessageOnTerminal(const String& text, int32_t /*flags*/,
                               const std::optional<String>& title) {
-  std::fprintf(stderr, "[%s] %s\n", ToUtf8(title.value_or(kDefaultTitle)).c_str(),
+  std::fprintf(stderr, "[%s] %s\n", ToUtf8(title.value_or(kDefaultMessageTitle)).c_str(),
                ToUtf8(text).c_str());
   return kOkButton;
 }

@@ -21,7 +21,7 @@ constexpr HRESULT kRpcCallFailed = static_cast<HRESULT>(0x800706BE);
 constexpr HRESULT kRpcCallFailedBeforeItRan = static_cast<HRESULT>(0x800706BF);
 
 // E_OUTOFMEMORY, E_FAIL and the like are not among them: they are numbers that mail servers report,
-// and are compared with as they are. So is 0x80040111, which only CheckCreated takes for its name.
+// and are compared with as they are. So is 0x80040111, unless it comes from creating an object.
 constexpr auto kKnownFailures = std::to_array<KnownFailure>({
     {DISP_E_UNKNOWNINTERFACE, kMemberNotFound},
     {DISP_E_UNKNOWNNAME, kMemberNotFound},
@@ -89,12 +89,6 @@ AutomationError ErrorOf(EXCEPINFO& information) {
                                                          : ErrorOf(DISP_E_EXCEPTION);
   return description.text().empty() ? plain
                                     : AutomationError(plain.number(), String(description.text()));
-}
-
-void CheckCreated(HRESULT result) {
-  if (result == CLASS_E_CLASSNOTAVAILABLE) throw AutomationError(kCannotCreateObject);
-  if (result == E_NOINTERFACE) throw AutomationError(kDoesNotSupportAutomation);
-  Check(result);
 }
 
 HRESULT ScodeOf(int32_t number) { return number < 0 ? number : kRuntimeErrors | (number & 0xFFFF); }

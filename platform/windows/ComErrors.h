@@ -21,9 +21,6 @@ AutomationError ErrorOf(EXCEPINFO& information);
 inline void Check(HRESULT result) {
   if (FAILED(result)) throw ErrorOf(result);
 }
-// The same for creating an object or finding a running one, where two failures mean another thing
-// than in a call: error 429 when the class has no such object, 430 when it has no IDispatch.
-void CheckCreated(HRESULT result);
 
 // The HRESULT of an error number: the opposite of ErrorOf.
 HRESULT ScodeOf(int32_t number);

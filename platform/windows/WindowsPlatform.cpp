@@ -1,70 +1,73 @@
 #include "platform/windows/WindowsPlatform.h"
 
-#include <wininet.h>
-
+#include <algorithm>
 #include <cstring>
+#include <memory>
 
-#include "platform/windows/ComErrors.h"
-#include "platform/windows/DispatchClient.h"
-#include "platform/windows/Variants.h"
+#include "platform/windows/Handles.h"
+#include "platform/windows/SystemTexts.h"
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;
 
 namespace kestrelon {
 namespace {
 
-CLSID ClassOf(StringView prog_id) {
-  CLSID clsid{};
-  CheckCreated(CLSIDFromProgID(AsWide(String(prog_id)), &clsid));
-  return clsid;
+// The system would end the text at a NUL, and the user would not see the rest of it.
+String Shown(String text) {
+  std::replace(text.begin(), text.end(), u'\0', u' ');
+  return text;
 }
 
-SystemHandle HandleOf(void* handle) { return reinterpret_cast<SystemHandle>(handle); }
-HINTERNET InternetHandle(SystemHandle handle) { return reinterpret_cast<HINTERNET>(handle); }
+// The head of a version resource: three lengths and types, its name, and the fixed record at the
+// next border of four bytes.
+struct VersionHead {
+  WORD lengths_and_type[3];
+  wchar_t name[16];  // "VS_VERSION_INFO" and NUL
+  WORD padding;
+  VS_FIXEDFILEINFO record;
+};
+constexpr DWORD kVersionSignature = 0xFEEF04BD;
+
+FileVersion ReadComponentVersion() {
+  const HMODULE module = ThisModule();
+  const HRSRC place = FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), RT_VERSION);
+  if (place == nullptr || SizeofResource(module, place) < sizeof(VersionHead)) return {};
+  const void* bytes = LockResource(LoadResource(module, place));
+  if (bytes == nullptr) return {};
+  const VS_FIXEDFILEINFO& record = static_cast<const VersionHead*>(bytes)->record;
+  if (record.dwSignature != kVersionSignature) return {};
+  return {HIWORD(record.dwFileVersionMS), LOWORD(record.dwFileVersionMS),
+          HIWORD(record.dwFileVersionLS), LOWORD(record.dwFileVersionLS)};
+}
 
 }  // namespace
 
 HMODULE ThisModule() { return reinterpret_cast<HMODULE>(&__ImageBase); }
 
-Object WindowsPlatform::CreateObject(StringView prog_id, StringView server) {
-  const CLSID clsid = ClassOf(prog_id);
-  String name(server);
-  COSERVERINFO machine{};
-  machine.pwszName = const_cast<wchar_t*>(AsWide(name));
-  MULTI_QI wanted{&IID_IDispatch, nullptr, S_OK};
-  CheckCreated(CoCreateInstanceEx(clsid, nullptr,
-                                  server.empty() ? CLSCTX_SERVER : CLSCTX_REMOTE_SERVER,
-                                  server.empty() ? nullptr : &machine, 1, &wanted));
-  ComPtr<IUnknown> created;
-  created.Attach(wanted.pItf);
-  const Object object = ObjectOf(created.Get());
-  if (LowerCase(prog_id).starts_with(u"msxml2.domdocument")) {
-    object.Call(u"setProperty", u"SelectionLanguage", u"XPath");
-  }
-  return object;
-}
-
-Object WindowsPlatform::GetRunningObject(StringView prog_id) {
-  ComPtr<IUnknown> running;
-  CheckCreated(GetActiveObject(ClassOf(prog_id), nullptr, &running));
-  return ObjectOf(running.Get());
-}
-
 int32_t WindowsPlatform::ShowMessageBox(const String& text, int32_t flags,
                                         const std::optional<String>& title) {
-  return MessageBoxW(owner_window_(), AsWide(text), title ? AsWide(*title) : nullptr,
-                     static_cast<UINT>(flags));
+  // A window that is gone could not own the box, and nothing would be shown.
+  HWND owner = owner_window_();
+  if (IsWindow(owner) == FALSE) owner = nullptr;
+  return MessageBoxW(owner, AsWide(Shown(text)),
+                     AsWide(Shown(title.value_or(kDefaultMessageTitle))), static_cast<UINT>(flags));
 }
 
 uint32_t WindowsPlatform::UserDefaultLocale() { return GetUserDefaultLCID(); }
 
 int32_t WindowsPlatform::GetLocaleInfoAnsi(uint32_t locale, uint32_t type, char* buffer,
                                            int32_t size) {
-  return GetLocaleInfoA(locale, type, buffer, size);
-}
-
-uint32_t WindowsPlatform::GetTempPathAnsi(uint32_t size, char* buffer) {
-  return GetTempPathA(size, buffer);
+  const int wide_size = GetLocaleInfoW(locale, type, nullptr, 0);
+  if (wide_size <= 0) return 0;
+  std::wstring text(static_cast<size_t>(wide_size), L'\0');
+  const int length = GetLocaleInfoW(locale, type, text.data(), wide_size);
+  if (length <= 0) return 0;
+  const std::string bytes = NearestAnsi(FromWide({text.data(), static_cast<size_t>(length)}));
+  const auto needed = static_cast<int32_t>(bytes.size());
+  if (size == 0) return needed;
+  if (size < needed) return 0;
+  std::memcpy(buffer, bytes.data(), bytes.size());
+  return needed;
 }
 
 Date WindowsPlatform::Now() {
@@ -73,18 +76,25 @@ Date WindowsPlatform::Now() {
   return MakeDate({now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond});
 }
 
-FileVersion WindowsPlatform::ComponentVersion() { return {}; }
+FileVersion WindowsPlatform::ComponentVersion() {
+  static const FileVersion version = ReadComponentVersion();
+  return version;
+}
 
 int32_t WindowsPlatform::GetOsVersion(OsVersionRecord& record) {
   OSVERSIONINFOA version{};
+  static_assert(sizeof version.szCSDVersion == sizeof record.service_pack);
+  // Longer records exist, for which there is no room here.
+  if (record.size != sizeof version) return 0;
   version.dwOSVersionInfoSize = record.size;
-  if (GetVersionExA(&version) == 0) return 0;
+  const BOOL is_filled = GetVersionExA(&version);
+  if (is_filled == FALSE) return 0;
   record.major_version = version.dwMajorVersion;
   record.minor_version = version.dwMinorVersion;
   record.build_number = version.dwBuildNumber;
   record.platform_id = version.dwPlatformId;
   std::memcpy(record.service_pack.data(), version.szCSDVersion, record.service_pack.size());
-  return 1;
+  return is_filled;
 }
 
 void WindowsPlatform::SendKeyEvent(uint8_t key_code, uint8_t scan_code, uint32_t flags,
@@ -96,48 +106,21 @@ std::optional<String> WindowsPlatform::CreateGuid() {
   GUID guid{};
   LPOLESTR text = nullptr;
   if (FAILED(CoCreateGuid(&guid)) || FAILED(StringFromCLSID(guid, &text))) return std::nullopt;
-  const String result = FromWide(text);
-  CoTaskMemFree(text);
-  return result;
-}
-
-uint32_t WindowsPlatform::GetTempFileNameAnsi(const char* folder, const char* prefix,
-                                              uint32_t unique, char* buffer) {
-  return GetTempFileNameA(folder, prefix, unique, buffer);
+  const std::unique_ptr<OLECHAR, decltype(&CoTaskMemFree)> owner(text, &CoTaskMemFree);
+  return FromWide(text);
 }
 
 SystemHandle WindowsPlatform::GetDesktopWindow() { return HandleOf(::GetDesktopWindow()); }
 
-int32_t WindowsPlatform::ShellExecute(SystemHandle window, const String& operation,
-                                      const String& file, const String& parameters,
-                                      const String& directory, int32_t show) {
-  return static_cast<int32_t>(reinterpret_cast<intptr_t>(
-      ShellExecuteW(reinterpret_cast<HWND>(window), AsWide(operation), AsWide(file),
-                    AsWide(parameters), AsWide(directory), show)));
+void WindowsPlatform::Pause(uint32_t milliseconds) {
+  const ULONGLONG end = GetTickCount64() + milliseconds;
+  for (ULONGLONG now = GetTickCount64(); now < end; now = GetTickCount64()) {
+    const DWORD left = static_cast<DWORD>(end - now);
+    if (MsgWaitForMultipleObjectsEx(0, nullptr, left, QS_SENDMESSAGE, 0) != WAIT_OBJECT_0) return;
+    // Looking for them is what answers the sent ones; none is taken out of the queue.
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+  }
 }
-
-SystemHandle WindowsPlatform::OpenInternet(const String& agent, uint32_t access_type) {
-  return HandleOf(InternetOpenA(ToAnsi(agent).c_str(), access_type, nullptr, nullptr, 0));
-}
-
-SystemHandle WindowsPlatform::OpenInternetUrl(SystemHandle connection, const String& url,
-                                              uint32_t flags) {
-  return HandleOf(
-      InternetOpenUrlA(InternetHandle(connection), ToAnsi(url).c_str(), nullptr, 0, flags, 0));
-}
-
-bool WindowsPlatform::ReadInternetFile(SystemHandle file, char* buffer, uint32_t size,
-                                       uint32_t& bytes_read) {
-  DWORD read = 0;
-  const bool is_read = InternetReadFile(InternetHandle(file), buffer, size, &read) != FALSE;
-  bytes_read = read;
-  return is_read;
-}
-
-void WindowsPlatform::CloseInternetHandle(SystemHandle handle) {
-  InternetCloseHandle(InternetHandle(handle));
-}
-
-void WindowsPlatform::Pause(uint32_t milliseconds) { Sleep(milliseconds); }
 
 }  // namespace kestrelon
