@@ -5,7 +5,8 @@
 
 namespace kestrelon {
 
-// An MSXML2 DOMDocument.
+// An MSXML2 DOMDocument as the page set it up. Members leave its query language alone: the paths
+// that they ask for find the same in XPath and in the older one that such documents may begin with.
 struct XmlDocument : Object {
   using Object::Object;
 };
