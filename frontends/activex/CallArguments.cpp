@@ -53,7 +53,7 @@ HRESULT AskDefaultMember(Variant& variant) {
   for (const WORD flags : {DISPATCH_PROPERTYGET, DISPATCH_PROPERTYGET | DISPATCH_METHOD}) {
     result = object->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, flags, &none, &answer,
                             nullptr, nullptr);
-    if (result != DISP_E_MEMBERNOTFOUND) break;
+    if (SUCCEEDED(result)) break;
   }
   if (FAILED(result)) return DISP_E_TYPEMISMATCH;
   std::swap(static_cast<VARIANT&>(variant), static_cast<VARIANT&>(answer));
