@@ -48,6 +48,20 @@ class Enumerator {
   virtual std::optional<Value> Next() = 0;
 };
 
+// A walk over elements that are at hand.
+class VectorEnumerator final : public Enumerator {
+ public:
+  explicit VectorEnumerator(std::vector<Value> items) : items_(std::move(items)) {}
+  std::optional<Value> Next() override {
+    if (next_ == items_.size()) return std::nullopt;
+    return items_[next_++];
+  }
+
+ private:
+  std::vector<Value> items_;
+  size_t next_ = 0;
+};
+
 class DispatchObject {
  public:
   virtual ~DispatchObject() = default;

@@ -3,17 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <set>
 
 #include "Control/KestrelonControl.h"
 #include "desktop/storage/AtomicFile.h"
-#include "desktop/xml/XmlDocuments.h"
 #include "tests/FailEverywhereOutlook.h"
+#include "tests/support/Documents.h"
 #include "tests/support/FailingDesktop.h"
 #include "tests/support/LetterWorld.h"
-#include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon {
 namespace {
@@ -31,7 +29,7 @@ struct MemberCase {
 };
 
 Value Document(const std::string& xml, FailurePlan& plan) {
-  return testing::FailByPlan(desktop::ParseXmlDocument(xml), plan);
+  return testing::FailByPlan(testing::XmlDocumentOf(xml), plan);
 }
 
 std::vector<Value> SavedLetter(const LetterWorld& world, const Value& xml, const String& path) {
@@ -122,38 +120,6 @@ TEST_P(FailEverywhere, NothingEscapesAndNothingIsHalfWritten) {
 
 INSTANTIATE_TEST_SUITE_P(Members, FailEverywhere, ::testing::ValuesIn(kCases),
                          [](const auto& info) { return ToUtf8(info.param.member); });
-
-// Mails need conversions that take their time, so these run on the scripted desktop.
-bool EndsInDisplay(const std::string& line) { return line.ends_with(".display()"); }
-
-TEST(FailEverywhereInMail, EveryFailureIsToldOnceAndLeavesOutlookAsItIs) {
-  for (const char16_t* mode : {u"HTML", u"attach"}) {
-    for (int n = 1;; ++n) {
-      testing::ScriptedDesktop desktop;
-      desktop.Answer("Word.Application.Selection.Find.Found", {false});
-      desktop.fail_at = n;
-      ControlContext context{desktop};
-      std::vector<Value> values = {desktop::ParseXmlDocument(testing::kSmallLetterXml),
-                                   u"a.dotx",
-                                   u"a@b",
-                                   mode,
-                                   u"",
-                                   u"",
-                                   u"subject"};
-      EXPECT_NO_THROW(FindMember(u"CreateLetterXML")->invoke(context, values)) << n;
-      if (static_cast<int>(desktop.log.size()) < n) break;
-      // Only the removal of the temporary file, after the mail is shown, fails silently.
-      const auto failed = desktop.log.begin() + n - 1;
-      const bool shown = std::any_of(desktop.log.begin(), failed, EndsInDisplay);
-      EXPECT_EQ(desktop.messages.size(), shown ? 0U : 1U) << *failed;
-      // A tag whose search fails is told and passed over: the mail is shown and Outlook let go of.
-      const bool ended = std::any_of(failed + 1, desktop.log.end(), EndsInDisplay) || shown;
-      const bool started =
-          std::count(desktop.log.begin(), failed, "create Outlook.Application") > 0;
-      EXPECT_EQ(context.state.outlook_application.IsNothing(), ended || !started) << *failed;
-    }
-  }
-}
 
 }  // namespace
 }  // namespace kestrelon

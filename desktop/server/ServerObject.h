@@ -150,20 +150,6 @@ class ServerObject : public Base, public std::enable_shared_from_this<Server> {
   }
 };
 
-// A walk over elements that are at hand.
-class VectorEnumerator final : public Enumerator {
- public:
-  explicit VectorEnumerator(std::vector<Value> items) : items_(std::move(items)) {}
-  std::optional<Value> Next() override {
-    if (next_ == items_.size()) return std::nullopt;
-    return items_[next_++];
-  }
-
- private:
-  std::vector<Value> items_;
-  size_t next_ = 0;
-};
-
 template <class Server, typename... Args>
 Value MakeObject(Args&&... args) {
   return Value(DispatchPointer(std::make_shared<Server>(std::forward<Args>(args)...)));

@@ -10,7 +10,7 @@ namespace kestrelon {
 
 // While the server works, this thread may serve other calls, and one of those may let go of the
 // very client that waits: no method touches its members once the server has been called.
-class DispatchClient final : public DispatchObject {
+class DispatchClient : public DispatchObject {
  public:
   using MemberIds = std::map<String, DISPID>;
 

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desktop/xml/XmlDocuments.h"
 #include "documents/Letters.h"
+#include "tests/support/Documents.h"
 #include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon {
@@ -33,11 +33,11 @@ class Letters : public ::testing::Test {
     desktop.Answer(kStream + ".ReadAll()", {Value(u"<html>")});
   }
   void Letter(const std::string& data = kLetter) {
-    XmlDocument xml(desktop::ParseXmlDocument(data).pointer());
+    XmlDocument xml(testing::XmlDocumentOf(data).pointer());
     CreateLetterXML(context, xml, template_path, address, mode, save_path, in_header, subject);
   }
   void Seminar(const std::string& data = kRecord) {
-    XmlDocument xml(desktop::ParseXmlDocument(data).pointer());
+    XmlDocument xml(testing::XmlDocumentOf(data).pointer());
     CreateSeminarLetterXML(context, xml, template_path, address, mode, save_path, in_header);
   }
   void ExpectMessage(const String& end) {

@@ -1,10 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desktop/xml/XmlDocuments.h"
 #include "documents/Quotes.h"
+#include "tests/support/Documents.h"
 #include "tests/support/FailEachCall.h"
-#include "tests/support/LetterWorld.h"
 #include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon {
@@ -33,15 +32,13 @@ struct QuoteArguments {
   String template_path = u"/t/q.v2.dotx", format, save_path, in_header, visible, file_name;
 };
 
-String SaveQuote(ControlContext& context, QuoteArguments& a, const char* quote) {
-  XmlDocument xml(desktop::ParseXmlDocument(quote).pointer());
+String Save(ControlContext& context, QuoteArguments& a) {
+  XmlDocument xml(testing::XmlDocumentOf(kQuote).pointer());
   return WordQuote(context, xml, a.template_path, a.save_path, a.visible, a.in_header);
 }
 
-String Save(ControlContext& context, QuoteArguments& a) { return SaveQuote(context, a, kQuote); }
-
 String Mail(ControlContext& context, QuoteArguments& a) {
-  XmlDocument xml(desktop::ParseXmlDocument(kQuote).pointer());
+  XmlDocument xml(testing::XmlDocumentOf(kQuote).pointer());
   return WordQuoteHtml(context, xml, a.address, a.subject, a.mail_type, a.address_type,
                        a.template_path, a.format, a.save_path, a.in_header, a.visible, a.file_name);
 }
@@ -341,35 +338,6 @@ TEST(QuotesThatFail, TellOfEveryCallThatCannotBePassedOver) {
         });
     EXPECT_GT(failures, 60);
   }
-}
-
-TEST(QuotesOnLinux, GrowTheTableOfTheTemplate) {
-  testing::LetterWorld world;
-  ControlContext context{world.platform};
-  QuoteArguments arguments;
-  arguments.template_path = world.seminar_template;
-  arguments.save_path = FromUtf8(world.saved_path.string());
-  EXPECT_EQ(
-      SaveQuote(
-          context, arguments,
-          "<Data><quotefields><quotefield name='No' label='When'/><quotefield name='When'/>"
-          "<other name='No' label='When'/></quotefields><quoterows>"
-          "<r when='1' no='0'/><r/><r/><r/><r when='5&#10;pm'/></quoterows><Data><r fieldname='n' "
-          "value='9'/></Data><field name='n' templatetag='fee'/></Data>"),
-      u"success");
-  EXPECT_TRUE(world.messages.empty());
-  const Object word = world.platform.CreateObject(u"Word.Application", u"");
-  const Object saved = word.GetChild(u"Documents").CallChild(u"Open", arguments.save_path);
-  const Object table = saved.GetChild(u"Tables").CallChild(u"item", 1);
-  EXPECT_EQ(table.GetChild(u"Rows").Get(u"Count").ToLong(), 6);
-  const auto text = [&](int32_t row, int32_t column) {
-    return table.CallChild(u"Cell", row, column).GetChild(u"Range").Get(u"Text").ToText();
-  };
-  EXPECT_EQ(text(1, 1) + text(2, 1) + text(3, 1) + text(6, 1), u"When\r\a1\r\a\r\a5\vpm\r\a");
-  EXPECT_EQ(text(4, 2), u"9 a person, lunch included\r\a");
-
-  EXPECT_EQ(SaveQuote(context, arguments, "<Data/>"), u"");
-  EXPECT_NE(world.messages.at(0).text.find(u"no element Data/quotefields"), String::npos);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "desktop/xml/XmlDocuments.h"
 #include "documents/TagData.h"
+#include "tests/support/Documents.h"
 #include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon {
@@ -21,9 +21,9 @@ class TagData : public ::testing::Test {
     }
     return entries;
   }
-  void Extract(const char* xml) { ExtractTagData(context, desktop::ParseXmlDocument(xml)); }
+  void Extract(const char* xml) { ExtractTagData(context, testing::XmlDocumentOf(xml)); }
   void ExtractRecord(const char* xml) {
-    ExtractRecordTagData(context, desktop::ParseXmlDocument(xml));
+    ExtractRecordTagData(context, testing::XmlDocumentOf(xml));
   }
 
   ScriptedDesktop screen;
@@ -132,7 +132,7 @@ TEST_F(TagData, ListFillsARowPerRecordAndThenTheCaptions) {
   screen.Answer("T.Cell(1, 3).Range.Text", {u"<contact_mail>\r\a"});
   const Object table = screen.NamedObject("T").ToObject();
   const auto fill = [&](const char* list) {
-    FillListTable(table, desktop::ParseXmlDocument(list).GetChild(u"documentElement"));
+    FillListTable(table, testing::XmlDocumentOf(list).GetChild(u"documentElement"));
   };
   fill(
       "<l><r><f templatetag='FIRST_NAME' label='First' value='Ann'/>"

@@ -45,14 +45,14 @@ TEST_F(ContactFolder, BindsTheLastSubfolderOfThatNameOrTheContacts) {
     desktop.Answer(folder + ".Name", {Value(names[i - 1])});
     desktop.Answer(folder + ".Items.count", {0});
   }
-  for (const auto& [name, bound, position] : {std::tuple(u"Work", u"D.Folders.item(3)", 3),
-                                              {u"work", u"D.Folders.item(2)", 2},
-                                              {u"WORK", u"D", 0},
-                                              {u"Contacts", u"D", 0}}) {
+  for (const auto& [name, bound, position] : {std::tuple(u"Work", "D.Folders.item(3)", 3),
+                                              {u"work", "D.Folders.item(2)", 2},
+                                              {u"WORK", "D", 0},
+                                              {u"Contacts", "D", 0}}) {
     desktop.log.clear();
     context.state.is_match_index_built = true;
     Bind(name);
-    EXPECT_EQ(context.state.bound_contact_folder.pointer()->TypeName(), bound);
+    EXPECT_EQ(desktop.PathOf(context.state.bound_contact_folder), bound);
     EXPECT_EQ(context.state.found_subfolder_position, position);
     EXPECT_EQ(context.state.contact_folder_name, name);
     EXPECT_FALSE(context.state.is_match_index_built);

@@ -2,10 +2,10 @@
 
 #include "Control/InterfaceTable.h"
 #include "automation/TracingObject.h"
-#include "desktop/xml/XmlDocuments.h"
 #include "outlook/ContactRecords.h"
 #include "tests/outlook/OutlookMembers.h"
 #include "tests/outlook/ScriptedContacts.h"
+#include "tests/support/Documents.h"
 
 namespace kestrelon {
 namespace {
@@ -23,7 +23,7 @@ const String kAnn =
 class ContactRecords : public OutlookMembers {
  protected:
   ContactRecords() {
-    const Object xml = TraceObject(desktop::CreateXmlDocument(), "Xml", [this](const auto& line) {
+    const Object xml = TraceObject(testing::EmptyXmlDocument(), "Xml", [this](const auto& line) {
       desktop.log.push_back(line.substr(0, line.find(" -> ")));
     });
     desktop.Answer("create Msxml2.DOMDocument", {xml});

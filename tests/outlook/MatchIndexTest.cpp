@@ -104,9 +104,8 @@ TEST(MatchIndex, FindsWhatTheWalkFinds) {
                                                 record.last_name, record.email, by_name);
       const Outcome expected = WalkRows(indexed, contacts, record);
       if (context.state.current_contact) {
-        const auto name = context.state.current_contact.pointer()->TypeName();
         outcome.position = expected.position;
-        EXPECT_EQ(ToUtf8(name), ItemPath("F", expected.position));
+        EXPECT_EQ(desktop.PathOf(context.state.current_contact), ItemPath("F", expected.position));
       }
       EXPECT_EQ(outcome, expected) << "round " << round << ", id " << ToUtf8(record.id);
       ++outcomes[static_cast<int>(outcome.match) + 1];

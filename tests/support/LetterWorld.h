@@ -8,14 +8,10 @@
 
 #include "desktop/storage/AtomicFile.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "tests/support/Documents.h"
 #include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon::testing {
-
-// Two fields of the example template, one of them blank.
-inline constexpr const char* kSmallLetterXml =
-    "<Data><field name='n' templatetag='firstname'/><field name='b' templatetag='lastname'/>"
-    "<Data><r fieldname='n' value='Ann'/><r fieldname='b' value=''/></Data></Data>";
 
 class LetterWorld {
  public:

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "automation/TracingObject.h"
-#include "desktop/server/ServerObject.h"
 
 namespace kestrelon::testing {
 namespace {
@@ -32,7 +31,7 @@ class ScriptedObject final : public DispatchObject {
   std::unique_ptr<Enumerator> Enumerate() override {
     const Value elements = desktop_.Perform(path_ + ".Each");
     if (!elements.IsArray()) throw AutomationError(kNotACollection);
-    return std::make_unique<desktop::VectorEnumerator>(elements.AsArray());
+    return std::make_unique<VectorEnumerator>(elements.AsArray());
   }
   String TypeName() const override { return FromUtf8(path_); }
 
@@ -43,12 +42,22 @@ class ScriptedObject final : public DispatchObject {
 
 }  // namespace
 
+ScriptedDesktop::HandOver ScriptedDesktop::hand_over =
+    [](ScriptedDesktop& /*desktop*/, const DispatchPointer& object) { return Value(object); };
+
 void ScriptedDesktop::Answer(const std::string& line, std::deque<Value> answers) {
   answers_[line] = std::move(answers);
 }
 
 Value ScriptedDesktop::NamedObject(const std::string& path) {
-  return DispatchPointer(std::make_shared<ScriptedObject>(*this, path));
+  return hand_over(*this, std::make_shared<ScriptedObject>(*this, path));
+}
+
+std::string ScriptedDesktop::PathOf(const Object& object) {
+  object.Call(u"PathOf");
+  const std::string line = log.back();
+  log.pop_back();
+  return line.substr(0, line.size() - std::strlen(".PathOf()"));
 }
 
 void ScriptedDesktop::Fail(const std::string& prefix, AutomationError error) {
@@ -56,8 +65,13 @@ void ScriptedDesktop::Fail(const std::string& prefix, AutomationError error) {
 }
 
 Value ScriptedDesktop::Perform(const std::string& line) {
+  const std::optional<Value> answer = AnswerTo(line);
+  return answer ? *answer : NamedObject(line);
+}
+
+std::optional<Value> ScriptedDesktop::AnswerTo(const std::string& line) {
   log.push_back(line);
-  if (static_cast<int>(log.size()) >= cut_at) throw LoopCut();
+  if (is_cut()) throw LoopCut();
   if (static_cast<int>(log.size()) == fail_at) {
     failed_line = line;
     throw AutomationError(1234, u"Injected");
@@ -66,7 +80,7 @@ Value ScriptedDesktop::Perform(const std::string& line) {
     if (line.starts_with(prefix)) throw error;
   }
   const auto found = answers_.find(line);
-  if (found == answers_.end()) return NamedObject(line);
+  if (found == answers_.end()) return std::nullopt;
   const Value answer = found->second.front();
   if (found->second.size() > 1) found->second.pop_front();
   return answer;
@@ -74,12 +88,10 @@ Value ScriptedDesktop::Perform(const std::string& line) {
 
 Object ScriptedDesktop::Obtain(const std::string& verb, StringView prog_id, StringView server) {
   const std::string name = ToUtf8(prog_id);
-  const Value answer = Perform(verb + " " + name + (server.empty() ? "" : " on " + ToUtf8(server)));
+  const std::optional<Value> answer =
+      AnswerTo(verb + " " + name + (server.empty() ? "" : " on " + ToUtf8(server)));
   // An unscripted server is known by its ProgID.
-  if (answer.AsObject()->TypeName().starts_with(FromUtf8(verb))) {
-    return NamedObject(name).ToObject();
-  }
-  return answer.ToObject();
+  return answer ? answer->ToObject() : NamedObject(name).ToObject();
 }
 
 Object ScriptedDesktop::CreateObject(StringView prog_id, StringView server) {

@@ -29,6 +29,8 @@ class ScriptedDesktop final : public Platform {
   void Answer(const std::string& line, std::deque<Value> answers);
   // An object named `path`, whatever led to it ("CreateObject" answers make shorter paths).
   Value NamedObject(const std::string& path);
+  // The name of an object of this desktop, whatever it has been led through.
+  std::string PathOf(const Object& object);
   // The calls whose line starts with `prefix` fail.
   void Fail(const std::string& prefix, AutomationError error);
   void StopFailing() { failures_.clear(); }
@@ -37,6 +39,10 @@ class ScriptedDesktop final : public Platform {
   std::string failed_line;  // the call that did
   // Throws LoopCut at this many calls.
   int cut_at = 100'000;
+  bool is_cut() const { return static_cast<int>(log.size()) >= cut_at; }
+  // How every desktop hands out its objects: as they are, unless a program leads them elsewhere.
+  using HandOver = Value (*)(ScriptedDesktop& desktop, const DispatchPointer& object);
+  static HandOver hand_over;
 
   std::vector<std::string> log;
   std::vector<ShownMessage> messages;
@@ -86,6 +92,8 @@ class ScriptedDesktop final : public Platform {
   Value Perform(const std::string& line);
 
  private:
+  // Nothing for a call that has no answer.
+  std::optional<Value> AnswerTo(const std::string& line);
   Object Obtain(const std::string& verb, StringView prog_id, StringView server);
 
   size_t page_read_ = 0;
