@@ -22,6 +22,9 @@ MAY_INCLUDE = {
     "frontends/activex": ["Control", "platform", "platform/windows", "automation"],
     "frontends/commandline": ["Control", "platform", "platform/linux", "automation"],
 }
+# The system's headers, in the folders of Windows code, come after this one.
+WINDOWS = {"platform/windows", "frontends/activex"}
+WINDOWS_HEADER = "platform/windows/Win32.h"
 # The control itself stands above the features; everything else in its folder stands below them.
 TOP_OF_CONTROL = {"InterfaceTable.cpp", "InterfaceTable.h", "KestrelonControl.h"}
 # The core compiles unchanged for every desktop: the standard library alone, no platform switches.
@@ -57,12 +60,24 @@ def faults_of(path):
             yield f'{source}: "{target}" is no path from the root'
         elif not allowed(source, target):
             yield f"{source} must not include {target}"
+    if source != WINDOWS_HEADER:
+        yield from windows_faults_of(source, text)
     if folder_of(source) in PORTABLE:
         for header in re.findall(r"^\s*#\s*include\s+<([^>]+)>", text, re.M):
             if "/" in header or header.endswith(".h"):
                 yield f"{source} must not include <{header}>: the core uses the standard library alone"
         if re.search(r"^\s*#\s*if", text, re.M):
             yield f"{source}: no conditional compilation in the core"
+
+
+def windows_faults_of(source, text):
+    if re.search(r"^\s*#\s*include\s+<windows.h>", text, re.M):
+        yield f"{source} must not include <windows.h> but {WINDOWS_HEADER}"
+    system = re.search(r"^\s*#\s*include\s+<\S+\.h>", text, re.M)
+    if folder_of(source) in WINDOWS and system:
+        own = "|".join(sorted(WINDOWS))
+        if not re.search(rf'^#include "({own})/', text[: system.start()], re.M):
+            yield f"{source} must include {WINDOWS_HEADER} before {system[0].split()[-1]}"
 
 
 def main():

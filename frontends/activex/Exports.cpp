@@ -6,11 +6,12 @@
 #include "platform/windows/ComErrors.h"
 
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
-  using namespace kestrelon;
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
-  if (!IsEqualCLSID(clsid, kControlClass)) return CLASS_E_CLASSNOTAVAILABLE;
-  return Guard([&] { return MakeComObject<ClassFactory>()->QueryInterface(iid, object); });
+  if (!IsEqualCLSID(clsid, kestrelon::kControlClass)) return CLASS_E_CLASSNOTAVAILABLE;
+  return kestrelon::Guard([&] {
+    return kestrelon::MakeComObject<kestrelon::ClassFactory>()->QueryInterface(iid, object);
+  });
 }
 
 STDAPI DllCanUnloadNow() { return kestrelon::IsModuleInUse() ? S_FALSE : S_OK; }
