@@ -1,4 +1,5 @@
-# Shared by ./demo, ./test, ./build-windows and .ci/run: what has to be installed, and how the project is built.
+# Shared by ./demo, ./test, ./build-windows and .ci/run: what has to be installed, and how the
+# project is built.
 
 set -euo pipefail
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -15,6 +16,8 @@ test_packages=(libgtest-dev libgmock-dev python3 poppler-utils khard khal todoma
 # The cross compilers, and Wine, which runs the build's own tools and the tests.
 windows_packages=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix cmake ninja-build python3 wine
   wine64)
+# GoogleTest's sources, which are built for Windows.
+windows_test_packages=(googletest)
 lint_packages=(clang-format clang-tidy)
 
 say() { printf '\n== %s\n' "$*"; }
