@@ -45,11 +45,16 @@ can_run() {
   [ "$status" -eq 7 ]
 }
 
-# One after the other: programs that follow closely share one Wine server, which ends with the last.
+# Wine's own processes start with the first program, keep its streams, and end seconds after the
+# last. A shell that waits for its input keeps them running from before the first test to the end.
 run_windows_tests() {
+  [ ${#windows_builds[@]} -gt 0 ] || return 0
   local architecture
+  coproc waiting { exec "$project/scripts/wine" cmd.exe /q /k >/dev/null 2>&1; }
   for architecture in "${windows_builds[@]}"; do
     say "Testing the Windows build for $architecture"
     (cd "$project/build-win/$architecture" && ctest --output-on-failure)
   done
+  exec {waiting[1]}>&-
+  wait "$waiting_PID" || true
 }
