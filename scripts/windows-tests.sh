@@ -46,10 +46,12 @@ can_run() {
 }
 
 # Wine's own processes start with the first program, keep its streams, and end seconds after the
-# last. A shell that waits for its input keeps them running from before the first test to the end.
+# last: CTest would wait for them. So the first program is none of its own, and a shell that waits
+# for its input keeps them running to the end.
 run_windows_tests() {
   [ ${#windows_builds[@]} -gt 0 ] || return 0
   local architecture
+  "$project/scripts/wine" cmd.exe /c exit >/dev/null 2>&1 </dev/null
   coproc waiting { exec "$project/scripts/wine" cmd.exe /q /k >/dev/null 2>&1; }
   for architecture in "${windows_builds[@]}"; do
     say "Testing the Windows build for $architecture"
