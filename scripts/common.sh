@@ -40,9 +40,25 @@ install() {
     }
     sudo=(sudo)
   fi
-  "${sudo[@]}" apt-get update -qq
-  "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
-    --no-install-recommends "${missing[@]}" >/dev/null
+  "${sudo[@]}" apt-get update -qq &&
+    "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
+      --no-install-recommends "${missing[@]}" >/dev/null || {
+    echo "These packages could not be installed: ${missing[*]}" >&2
+    echo "The lines above say why. Mend that, such as the network, or install them by hand; then" \
+      "run this again." >&2
+    return 1
+  }
+}
+
+# configure FOLDER [CMAKE OPTION…]
+configure() {
+  local folder=$1
+  shift
+  cmake -S "$project" -B "$folder" -G Ninja "$@" >/dev/null || {
+    echo "${folder#"$project"/} could not be set up: the lines above say why. If it was made at" \
+      "another place or with other tools, delete it and run this again." >&2
+    return 1
+  }
 }
 
 # build FOLDER [CMAKE OPTION…]
@@ -50,7 +66,7 @@ build() {
   local folder=$1
   shift
   say "Building in ${folder#"$project"/}"
-  cmake -S "$project" -B "$folder" -G Ninja "$@" >/dev/null
+  configure "$folder" "$@"
   cmake --build "$folder"
 }
 
@@ -60,7 +76,7 @@ build_for_windows() {
   local architecture=$1 target=$2 folder=$project/build-win/$1
   shift 2
   say "Building $target for $architecture"
-  cmake -S "$project" -B "$folder" -G Ninja -DKESTRELON_WINDOWS="$architecture" \
-    -DCMAKE_TOOLCHAIN_FILE="$project/cmake/mingw-w64.cmake" "$@" >/dev/null
+  configure "$folder" -DKESTRELON_WINDOWS="$architecture" \
+    -DCMAKE_TOOLCHAIN_FILE="$project/cmake/mingw-w64.cmake" "$@"
   cmake --build "$folder" --target "$target"
 }
