@@ -40,12 +40,12 @@ class HostSite {
   HWND Window() const;
 
  private:
-  // The more there is to heed, the later it stands.
+  // Of two sites, the one that stands later here decides.
   enum class Host { kNone, kApplication, kAllowedPage, kRefused };
 
   struct Seat {
     ComPtr<IUnknown> site;
-    bool is_page = false;  // it has led to one since it is set
+    bool is_page = false;  // it has led to a page since it was set
     bool is_refused = false;
   };
 

@@ -11,9 +11,9 @@ namespace kestrelon {
 // members.
 HRESULT FindDispatchIds(LPOLESTR* names, UINT count, DISPID* ids);
 
-// One call, as IDispatch::Invoke describes it. DISP_E_MEMBERNOTFOUND for an unknown id, and for a
-// member that is not called in its way: methods are only called and properties only put, a text by
-// value. As with every method of COM, reading one as a property does not call it.
+// One call, as IDispatch::Invoke describes it. DISP_E_MEMBERNOTFOUND for an unknown id, and for
+// flags without that of the member's kind: DISPATCH_METHOD for a method, DISPATCH_PROPERTYPUT for
+// the property, which is a text and can neither be read nor be put by reference.
 HRESULT InvokeMember(KestrelonControl& control, DISPID dispid, LCID locale, WORD flags,
                      DISPPARAMS& parameters, VARIANT* result, EXCEPINFO* exception,
                      UINT* failed_argument);

@@ -14,8 +14,8 @@ namespace kestrelon {
 // number and the text of its error; were that DISP_E_MEMBERNOTFOUND, callers would try it in
 // another way.
 //
-// An object of ours that comes back as an argument is handed on as itself. Its interfaces are
-// several COM objects when they were made by several calls.
+// An object of ours that comes back as an argument is handed on as itself. Each call makes another
+// COM object, for the same object of ours, too.
 ComPtr<IDispatch> DispatchOf(const DispatchPointer& object);
 
 }  // namespace kestrelon

@@ -18,8 +18,9 @@ std::string NearestAnsi(StringView text);
 // characters when neither has an exact form.
 std::string AnsiPath(const String& path);
 
-// The texts for an ANSI function of the system, in their order; nothing when one of them has no
-// exact form there, or none that ends with NUL, and the wide function is to be used.
+// The texts for an ANSI function of the system, in their order. Nothing when one of them has no
+// exact form there: the wide function is to be used then. A NUL within a text stays in it, and ends
+// it for either function.
 std::optional<std::vector<std::string>> InSystemCodePage(std::initializer_list<StringView> texts);
 
 }  // namespace kestrelon

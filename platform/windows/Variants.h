@@ -38,7 +38,7 @@ class Variant : public VARIANT {
 };
 
 // The value of a variant, by reference or not. Numbers of every width are numbers, a currency and a
-// decimal too; an array of several dimensions is a row of all its elements, and objects are
+// decimal too; an array of several dimensions is one list of all its elements, and objects are
 // late-bound ones (DispatchClient). Error 13 for what the control's values do not know (records,
 // error codes) and for a reference that leads nowhere; 430 for an object without IDispatch.
 Value ValueOf(const VARIANT& variant);

@@ -1,6 +1,6 @@
 // The Windows headers as this code uses them: without the macros that would rename functions of
-// ours, and with the texts of both sides led over. Nothing else includes <windows.h> or what brings
-// it in before this.
+// ours, and with the way between the system's texts and ours. Comes before every other header of
+// Windows; no file includes <windows.h> itself.
 #pragma once
 
 #include <windows.h>
