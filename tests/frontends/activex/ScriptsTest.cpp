@@ -197,5 +197,20 @@ INSTANTIATE_TEST_SUITE_P(Here, Pages,
                                            Way{Language::kVBScript, Place::kHere}),
                          [](const auto& way) { return NameOf(way.param); });
 
+class ExamplePage : public Scripts {};
+
+// Its script, with stand-ins of what the browser has for it.
+TEST_P(ExamplePage, WritesALetter) {
+  OfferTheDesktop();
+  page = PageAt(u"file:///C:/crm/Page.htm");
+  const String text = ReadScript("../../../examples/Page.htm");
+  const size_t start = text.find(u"<script>") + 8;
+  Run(text.substr(start, text.find(u"</script>") - start) + ReadScript("ExamplePage.js"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Here, ExamplePage,
+                         ::testing::Values(Way{Language::kJScript, Place::kHere}),
+                         [](const auto& way) { return NameOf(way.param); });
+
 }  // namespace
 }  // namespace kestrelon::testing
