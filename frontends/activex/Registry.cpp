@@ -1,7 +1,5 @@
 #include "frontends/activex/Registry.h"
 
-#include <ranges>
-
 namespace kestrelon {
 namespace {
 
@@ -58,21 +56,21 @@ LSTATUS DeleteRegistryTree(HKEY root, const String& key) {
 void DeleteEmptyRegistryKey(HKEY root, const String& key) { RegDeleteKeyW(root, AsWide(key)); }
 
 RegistryChanges::~RegistryChanges() {
-  for (const Undo& undo : std::views::reverse(undo_)) {
-    if (undo.is_new_key) {
-      DeleteRegistryTree(root_, undo.key);
+  for (auto undo = undo_.rbegin(); undo != undo_.rend(); ++undo) {
+    if (undo->is_new_key) {
+      DeleteRegistryTree(root_, undo->key);
       continue;
     }
     RegistryKey key;
-    if (RegOpenKeyExW(root_, AsWide(undo.key), 0, KEY_WRITE, key.Receive()) != ERROR_SUCCESS) {
+    if (RegOpenKeyExW(root_, AsWide(undo->key), 0, KEY_WRITE, key.Receive()) != ERROR_SUCCESS) {
       continue;
     }
-    if (undo.old_value) {
-      RegSetValueExW(key.get(), AsWide(undo.name), 0, undo.old_value->type,
-                     undo.old_value->bytes.data(),
-                     static_cast<DWORD>(undo.old_value->bytes.size()));
+    if (undo->old_value) {
+      RegSetValueExW(key.get(), AsWide(undo->name), 0, undo->old_value->type,
+                     undo->old_value->bytes.data(),
+                     static_cast<DWORD>(undo->old_value->bytes.size()));
     } else {
-      RegDeleteValueW(key.get(), AsWide(undo.name));
+      RegDeleteValueW(key.get(), AsWide(undo->name));
     }
   }
 }
