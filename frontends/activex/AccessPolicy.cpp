@@ -49,9 +49,12 @@ struct Origin {
   bool operator==(const Origin&) const = default;
 };
 
+// Null for no address, and for one with control characters, which readers drop or end at as they
+// like.
 ComPtr<IUri> ParseAddress(const String& address) {
   ComPtr<IUri> uri;
-  if (address.find(u'\0') != String::npos) return nullptr;
+  const auto is_control = [](char16_t unit) { return unit < u' '; };
+  if (std::any_of(address.begin(), address.end(), is_control)) return nullptr;
   if (FAILED(CreateUri(AsWide(address), Uri_CREATE_CANONICALIZE, 0, &uri))) return nullptr;
   return uri;
 }
@@ -67,11 +70,19 @@ DWORD SchemeOf(IUri& uri) {
   return SUCCEEDED(uri.GetScheme(&scheme)) ? scheme : static_cast<DWORD>(URL_SCHEME_INVALID);
 }
 
+// Whether it is clear which machine an address names. What is escaped in a name, one reader leaves
+// and another takes for the end of it; a user's name is there to look like a machine's.
+bool HasClearHost(IUri& uri) {
+  const String host = PartOf(uri, Uri_PROPERTY_HOST);
+  return PartOf(uri, Uri_PROPERTY_USER_INFO).empty() &&
+         host.find_first_of(u" !\"#$%&'()*+,/;<=>?@[\\]^`{|}~") == String::npos;
+}
+
 // Nothing for what does not come from a web server, or not clearly from which.
 std::optional<Origin> OriginOf(IUri& uri) {
   Origin origin{SchemeOf(uri), PartOf(uri, Uri_PROPERTY_HOST), 0};
   if (origin.scheme != URL_SCHEME_HTTP && origin.scheme != URL_SCHEME_HTTPS) return std::nullopt;
-  if (origin.host.empty() || !PartOf(uri, Uri_PROPERTY_USER_INFO).empty()) return std::nullopt;
+  if (origin.host.empty() || !HasClearHost(uri)) return std::nullopt;
   if (uri.GetPort(&origin.port) != S_OK) return std::nullopt;
   return origin;
 }
@@ -79,7 +90,7 @@ std::optional<Origin> OriginOf(IUri& uri) {
 // Nothing for an entry with more in it than an origin.
 std::optional<Origin> OriginOfEntry(const String& entry) {
   const ComPtr<IUri> uri = ParseAddress(entry);
-  if (uri == nullptr || entry.find(u'*') != String::npos) return std::nullopt;
+  if (uri == nullptr) return std::nullopt;
   const String path_and_query = PartOf(*uri.Get(), Uri_PROPERTY_PATH_AND_QUERY);
   if (path_and_query != u"/" || !PartOf(*uri.Get(), Uri_PROPERTY_FRAGMENT).empty()) {
     return std::nullopt;
@@ -165,7 +176,7 @@ bool IsAllowedAddress(const String& address) {
   const ComPtr<IUri> uri = ParseAddress(address);
   if (uri == nullptr) return false;
   if (SchemeOf(*uri.Get()) == URL_SCHEME_FILE) {
-    return IsOnDrive(*uri.Get()) || IsInTrustedZone(*uri.Get());
+    return IsOnDrive(*uri.Get()) || (HasClearHost(*uri.Get()) && IsInTrustedZone(*uri.Get()));
   }
   const std::optional<Origin> origin = OriginOf(*uri.Get());
   return origin.has_value() && (IsInTrustedZone(*uri.Get()) || IsOnAllowList(*origin));

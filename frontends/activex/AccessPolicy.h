@@ -13,7 +13,8 @@ namespace kestrelon {
 //   allow-list.
 //
 // Every other scheme is refused, whatever its zone: such an address can hold another one, or none.
-// So is what cannot be read, holds a user's name, or is no address at all.
+// So is what cannot be read, holds a user's name, control characters, or a host with more in it
+// than letters, digits and what joins them, or is no address at all.
 //
 // The allow-list is the values of one registry key of the machine, in its 64-bit view for both
 // modules: "SOFTWARE\Policies\Kestrelon\KestrelonControl2005\AllowedSites" where that exists, else

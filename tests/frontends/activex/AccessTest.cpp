@@ -160,10 +160,14 @@ TEST_F(Access, FollowsFromTheSiteItsAddressesAndTheMachine) {
       {true, {u"file://share.test/crm/page.htm"}},
       {false, {u"file://web.test/share/page.htm", u"file://///web.test/share/page.htm"}},
       {false, {u"file://web.test/C:/page.htm", u"C:\\crm\\page.htm"}},
+      {false, {u"file://web.test@share.test/page.htm", u"file://web.test%5C.share.test/page.htm"}},
       // Zones.
       {true, {u"http://crm.intranet.test/", u"https://trusted.test/a?b#c"}},
       {false, {bad, u"http://trusted.test/", u"https://restricted.test/"}},
       {false, {u"https://trusted.test@web.test/", u"https://web.test@trusted.test/"}},
+      // What one reader of an address takes for a part of the host, and another for its end.
+      {false, {u"https://web.test%2F.trusted.test/", u"https://web.test\n.trusted.test/"}},
+      {false, {u"https://web.test\\.trusted.test/", u"https://web.test;.trusted.test/"}},
       // The allow-list.
       {true, {good, u"HTTPS://ALLOWED.TEST:443", u"https://ported.test:8443/x"}},
       {true, {u"http://plain.test/"}},
@@ -269,7 +273,7 @@ TEST_F(Access, EndsWithThePage) {
   EXPECT_TRUE(client.IsServed());
 }
 
-TEST_F(Access, TakesTheConsentOfBothSites) {
+TEST_F(Access, TakesTheConsentOfAllSitesAndDocuments) {
   Client client;
   client.SetSite(Page(kGood));
   client.SetClientSite(Page(kBad));
@@ -278,6 +282,13 @@ TEST_F(Access, TakesTheConsentOfBothSites) {
   EXPECT_TRUE(client.IsServed());
   client.LetGo();
   EXPECT_FALSE(client.IsServed()) << "the page has taken its site away";
+
+  const auto page = MakeComObject<StandInHost>(kContainer | kDocument, kBad, u"");
+  page->when_asked = [&] {
+    page->document_address = page->document_address == kGood ? kBad : kGood;
+  };
+  client.SetClientSite(page);
+  EXPECT_FALSE(client.IsServed()) << "one of its two documents is not allowed";
 }
 
 TEST_F(Access, SurvivesAHostThatChangesItsSiteWhenAsked) {
