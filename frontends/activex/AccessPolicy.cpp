@@ -5,40 +5,26 @@
 #include <urlmon.h>
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <vector>
 
 #include "frontends/activex/Identifiers.h"
+#include "frontends/activex/Registry.h"
 #include "platform/windows/Variants.h"
 
 namespace kestrelon {
 namespace {
 
-constexpr wchar_t kPolicyAllowList[] =
-    L"SOFTWARE\\Policies\\Kestrelon\\KestrelonControl2005\\AllowedSites";
-constexpr wchar_t kAllowList[] = L"SOFTWARE\\Kestrelon\\KestrelonControl2005\\AllowedSites";
-constexpr wchar_t kKillFlags[] = L"SOFTWARE\\Microsoft\\Internet Explorer\\ActiveX Compatibility\\";
+constexpr char16_t kPolicyAllowList[] =
+    u"SOFTWARE\\Policies\\Kestrelon\\KestrelonControl2005\\AllowedSites";
+constexpr char16_t kAllowList[] = u"SOFTWARE\\Kestrelon\\KestrelonControl2005\\AllowedSites";
+constexpr char16_t kKillFlags[] =
+    u"SOFTWARE\\Microsoft\\Internet Explorer\\ActiveX Compatibility\\";
 constexpr DWORD kKilled = 0x400;
 
-// A key of the machine, open for reading.
-class MachineKey {
- public:
-  MachineKey() = default;
-  MachineKey(const MachineKey&) = delete;
-  ~MachineKey() {
-    if (key_ != nullptr) RegCloseKey(key_);
-  }
-
-  // `view` is KEY_WOW64_64KEY or KEY_WOW64_32KEY.
-  LSTATUS Open(const wchar_t* path, REGSAM view) {
-    return RegOpenKeyExW(HKEY_LOCAL_MACHINE, path, 0, KEY_QUERY_VALUE | view, &key_);
-  }
-  HKEY get() const { return key_; }
-
- private:
-  HKEY key_ = nullptr;
-};
+LSTATUS OpenOfMachine(const String& path, REGSAM view, RegistryKey& key) {
+  return key.Open(HKEY_LOCAL_MACHINE, path, KEY_QUERY_VALUE | view);
+}
 
 // What an address says of where a page comes from, in canonical form.
 struct Origin {
@@ -126,10 +112,10 @@ std::vector<String> TextsOf(HKEY key) {
 }
 
 bool IsOnAllowList(const Origin& origin) {
-  MachineKey key;
-  LSTATUS opened = key.Open(kPolicyAllowList, KEY_WOW64_64KEY);
+  RegistryKey key;
+  LSTATUS opened = OpenOfMachine(kPolicyAllowList, KEY_WOW64_64KEY, key);
   // A policy that is there and cannot be read allows nothing.
-  if (opened == ERROR_FILE_NOT_FOUND) opened = key.Open(kAllowList, KEY_WOW64_64KEY);
+  if (opened == ERROR_FILE_NOT_FOUND) opened = OpenOfMachine(kAllowList, KEY_WOW64_64KEY, key);
   if (opened != ERROR_SUCCESS) return false;
   const std::vector<String> entries = TextsOf(key.get());
   return std::any_of(entries.begin(), entries.end(),
@@ -155,11 +141,8 @@ bool IsOnDrive(IUri& uri) {
 }
 
 bool IsKilledIn(REGSAM view) {
-  wchar_t path[std::size(kKillFlags) + 40];
-  const size_t length = std::copy(std::begin(kKillFlags), std::end(kKillFlags), path) - path - 1;
-  StringFromGUID2(kControlClass, path + length, 40);
-  MachineKey key;
-  LSTATUS result = key.Open(path, view);
+  RegistryKey key;
+  LSTATUS result = OpenOfMachine(kKillFlags + TextOf(kControlClass), view, key);
   if (result == ERROR_FILE_NOT_FOUND) return false;
   if (result != ERROR_SUCCESS) return true;
   DWORD flags = 0;

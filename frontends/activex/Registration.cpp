@@ -22,12 +22,6 @@ constexpr StringView kSystem = kIs64Bit ? u"win64" : u"win32";
 constexpr StringView kOtherSystem = kIs64Bit ? u"win32" : u"win64";
 constexpr REGSAM kOtherView = kIs64Bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
 
-String TextOf(REFGUID guid) {
-  wchar_t text[39];
-  StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
-  return FromWide(text);
-}
-
 template <typename... Parts>
 String Join(const Parts&... parts) {
   String joined;

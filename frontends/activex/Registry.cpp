@@ -3,21 +3,6 @@
 namespace kestrelon {
 namespace {
 
-class RegistryKey {
- public:
-  RegistryKey() = default;
-  RegistryKey(const RegistryKey&) = delete;
-  RegistryKey& operator=(const RegistryKey&) = delete;
-  ~RegistryKey() {
-    if (key_ != nullptr) RegCloseKey(key_);
-  }
-  HKEY get() const { return key_; }
-  HKEY* Receive() { return &key_; }  // to be filled in once
-
- private:
-  HKEY key_ = nullptr;
-};
-
 // The first of the keys that lead to `key` which does not exist; empty when all do.
 String FirstMissing(HKEY root, const String& key) {
   for (size_t end = key.find(u'\\');; end = key.find(u'\\', end + 1)) {
@@ -29,9 +14,15 @@ String FirstMissing(HKEY root, const String& key) {
 
 }  // namespace
 
+String TextOf(REFGUID guid) {
+  wchar_t text[39];
+  StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
+  return FromWide(text);
+}
+
 bool HasRegistryKey(HKEY root, const String& key, REGSAM view) {
   RegistryKey opened;
-  return RegOpenKeyExW(root, AsWide(key), 0, KEY_READ | view, opened.Receive()) == ERROR_SUCCESS;
+  return opened.Open(root, key, KEY_QUERY_VALUE | view) != ERROR_FILE_NOT_FOUND;
 }
 
 String ReadRegistryText(HKEY root, const String& key) {
@@ -62,9 +53,7 @@ RegistryChanges::~RegistryChanges() {
       continue;
     }
     RegistryKey key;
-    if (RegOpenKeyExW(root_, AsWide(undo->key), 0, KEY_WRITE, key.Receive()) != ERROR_SUCCESS) {
-      continue;
-    }
+    if (key.Open(root_, undo->key, KEY_SET_VALUE) != ERROR_SUCCESS) continue;
     if (undo->old_value) {
       RegSetValueExW(key.get(), AsWide(undo->name), 0, undo->old_value->type,
                      undo->old_value->bytes.data(),
@@ -80,9 +69,7 @@ LSTATUS RegistryChanges::Write(const String& key, const String& name, const Stri
   const String missing = FirstMissing(root_, key);
   if (!missing.empty()) undo_.push_back({missing, true, {}, std::nullopt});
   RegistryKey opened;
-  const LSTATUS status =
-      RegCreateKeyExW(root_, AsWide(key), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                      KEY_QUERY_VALUE | KEY_SET_VALUE, nullptr, opened.Receive(), nullptr);
+  const LSTATUS status = opened.Create(root_, key, KEY_QUERY_VALUE | KEY_SET_VALUE);
   if (status != ERROR_SUCCESS) return status;
   if (missing.empty()) undo_.push_back({key, false, name, Read(opened.get(), name)});
   return RegSetValueExW(opened.get(), AsWide(name), 0, REG_SZ,

@@ -8,8 +8,36 @@
 
 namespace kestrelon {
 
-// `view` is KEY_WOW64_32KEY or KEY_WOW64_64KEY for the keys of the other architecture, 0 for those
-// of this one.
+// Owns an open key.
+class RegistryKey {
+ public:
+  RegistryKey() = default;
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+  ~RegistryKey() {
+    if (key_ != nullptr) RegCloseKey(key_);
+  }
+
+  // Once. `access` may also name a view: KEY_WOW64_32KEY or KEY_WOW64_64KEY.
+  LSTATUS Open(HKEY root, const String& key, REGSAM access) {
+    return RegOpenKeyExW(root, AsWide(key), 0, access, &key_);
+  }
+  // The same for a key that may be missing, which is made then.
+  LSTATUS Create(HKEY root, const String& key, REGSAM access) {
+    return RegCreateKeyExW(root, AsWide(key), 0, nullptr, REG_OPTION_NON_VOLATILE, access, nullptr,
+                           &key_, nullptr);
+  }
+  HKEY get() const { return key_; }
+
+ private:
+  HKEY key_ = nullptr;
+};
+
+// A GUID as keys and values spell it.
+String TextOf(REFGUID guid);
+
+// Also whether there is one that must not be read. `view` is KEY_WOW64_32KEY or KEY_WOW64_64KEY for
+// the keys of the other architecture, 0 for those of this one.
 bool HasRegistryKey(HKEY root, const String& key, REGSAM view = 0);
 // The default text of a key; empty where there is none.
 String ReadRegistryText(HKEY root, const String& key);

@@ -2,24 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <set>
 
 #include "frontends/activex/EmbeddedObject.h"
 #include "frontends/activex/Registration.h"
 #include "frontends/activex/Registry.h"
 #include "tests/frontends/activex/ControlModule.h"
+// Stands on Win32.h.
+#include <sddl.h>
 
 namespace kestrelon {
 namespace {
 
 using Entries = std::set<String>;  // "key\name=text", from Classes on, keys in small letters
-
-String TextOf(REFGUID guid) {
-  wchar_t text[39];
-  StringFromGUID2(guid, text, static_cast<int>(std::size(text)));
-  return FromWide(text);
-}
 
 void Walk(HKEY key, const String& path, Entries& entries) {
   entries.insert(path);
@@ -71,6 +66,26 @@ void CreateKey(HKEY root, const String& path, DWORD options = 0, REGSAM view = 0
             ERROR_SUCCESS);
   RegCloseKey(key);
 }
+
+// What a user without rights sees of a key of the machine, for the time of a test.
+class WithoutRights {
+ public:
+  explicit WithoutRights(const String& path) {
+    EXPECT_EQ(key_.Create(HKEY_LOCAL_MACHINE, path, KEY_ALL_ACCESS), ERROR_SUCCESS);
+    SetRights(L"D:P(D;;0x6;;;WD)(A;;KA;;;WD)");  // neither values nor keys are entered
+  }
+  ~WithoutRights() { SetRights(L"D:(A;;KA;;;WD)"); }
+
+ private:
+  void SetRights(const wchar_t* text) {
+    PSECURITY_DESCRIPTOR rights = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text, SDDL_REVISION_1, &rights,
+                                                                     nullptr));
+    EXPECT_EQ(RegSetKeySecurity(key_.get(), DACL_SECURITY_INFORMATION, rights), ERROR_SUCCESS);
+    LocalFree(rights);
+  }
+  RegistryKey key_;
+};
 
 const String kClass = u"Software\\Classes\\CLSID\\" + TextOf(kControlClass);
 const String kLibrary = u"Software\\Classes\\TypeLib\\" + TextOf(kTypeLibrary);
@@ -145,6 +160,16 @@ TEST_F(RegistrationTest, EntersTheSameForOneUser) {
     EXPECT_TRUE(entry.starts_with(u"\\wow6432node\\typelib\\")) << ToUtf8(entry);
   }
   EXPECT_GT(of_user.size(), 20u);
+  EXPECT_EQ(Unregister(), S_OK);
+}
+
+TEST_F(RegistrationTest, IsForTheUserAloneWithoutTheRights) {
+  {
+    const WithoutRights restricted(kLibrary);
+    ASSERT_EQ(Register(), S_OK);
+    EXPECT_FALSE(HasRegistryKey(HKEY_LOCAL_MACHINE, kClass)) << "nothing is left half done";
+    EXPECT_TRUE(HasRegistryKey(HKEY_CURRENT_USER, kClass));
+  }
   EXPECT_EQ(Unregister(), S_OK);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Control/InterfaceTable.h"
 #include "automation/TracingObject.h"
+#include "frontends/activex/Registry.h"
 #include "platform/windows/ComClass.h"
 #include "platform/windows/ComErrors.h"
 #include "platform/windows/DispatchServer.h"
@@ -60,12 +61,6 @@ void SetKey(const String& key, const String& value) {
       RegSetKeyValueW(HKEY_CLASSES_ROOT, AsWide(key), nullptr, REG_SZ, AsWide(value),
                       static_cast<DWORD>((value.size() + 1) * sizeof(char16_t)));
   Check(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
-}
-
-String TextOf(const CLSID& clsid) {
-  wchar_t text[40];
-  StringFromGUID2(clsid, text, 40);
-  return FromWide(text);
 }
 
 }  // namespace
