@@ -188,6 +188,7 @@ TEST_F(Access, FollowsFromTheSiteItsAddressesAndTheMachine) {
       {false, {bad}, kDocument},
       {true, {good}, kPageWindow},
       {false, {bad, u"!"}, kPageWindow},
+      {false, {bad}, kItself},
       {true, {u""}, kBrowser, kUsual, good},
       {true, {good}, kContainer | kBrowser, kUsual, bad},
       {false, {u""}, kBrowser, kUsual, bad},
@@ -229,6 +230,24 @@ TEST_F(Access, FollowsFromTheSiteItsAddressesAndTheMachine) {
         EXPECT_EQ(client.IsServed(), row.may_call);
       }
     }
+  }
+}
+
+TEST_F(Access, FindsTheBrowserHoweverItIsOffered) {
+  const std::pair<GUID, IID> offers[] = {{__uuidof(IWebBrowserApp), __uuidof(IWebBrowserApp)},
+                                         {__uuidof(IWebBrowserApp), __uuidof(IWebBrowser2)},
+                                         {__uuidof(IWebBrowser2), __uuidof(IWebBrowser2)}};
+  for (const auto& [service, iid] : offers) {
+    const auto host = MakeComObject<StandInHost>(kBrowser, u"", kBad);
+    host->browser_service = service;
+    host->OfferBrowserAs(iid);
+    Client client;
+    client.SetSite(host);
+    EXPECT_FALSE(client.IsServed());
+    host->browser_address = kGood;
+    client.LetGo();
+    client.SetSite(host);
+    EXPECT_TRUE(client.IsServed());
   }
 }
 
@@ -345,13 +364,17 @@ TEST_F(Access, FindsTheWindowOfItsHost) {
   HostSite host;
   EXPECT_EQ(host.Window(), nullptr);
   const auto page = Page(kGood);
-  page->window =
-      CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-  ASSERT_NE(page->window, nullptr);
+  page->OfferBrowserAs(__uuidof(IWebBrowserApp));
   host.SetSite(static_cast<IOleClientSite*>(page.Get()));
-  EXPECT_EQ(host.Window(), page->window);
+  for (HWND* const window : {&page->browser_window, &page->window}) {
+    *window = CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    ASSERT_NE(*window, nullptr);
+    EXPECT_EQ(host.Window(), *window) << "the nearest";
+  }
   DestroyWindow(page->window);
-  EXPECT_EQ(host.Window(), nullptr) << "it is a window no more";
+  EXPECT_EQ(host.Window(), page->browser_window) << "the other is a window no more";
+  DestroyWindow(page->browser_window);
+  EXPECT_EQ(host.Window(), nullptr);
 }
 
 }  // namespace

@@ -22,9 +22,10 @@ enum Ways {
   kPageWindow = 4,
   kBrowser = 8,
   kHiddenBrowser = 16,  // known as a service, and not given
+  kItself = 32,         // the site is the document
 };
 
-// An object of a large interface, of which one member answers; every other one is not implemented.
+// An object of a large interface, of which some members answer; every other one is not implemented.
 struct StandIn {
   template <typename Member, typename Answer>
   StandIn(void* host, const IID& iid, Member member, Answer* answer) : host(host), iid(iid) {
@@ -32,6 +33,10 @@ struct StandIn {
     slots[0] = reinterpret_cast<void*>(&QueryInterface);
     slots[1] = reinterpret_cast<void*>(&AddRef);
     slots[2] = reinterpret_cast<void*>(&Release);
+    Implement(member, answer);
+  }
+  template <typename Member, typename Answer>
+  void Implement(Member member, Answer* answer) {
     ptrdiff_t place[2];  // of a virtual member: that in the table, in bytes, plus one
     static_assert(sizeof(place) == sizeof(member));
     std::memcpy(place, &member, sizeof(place));
@@ -49,7 +54,7 @@ struct StandIn {
 
   void** table = slots.data();  // first, where callers look for it
   void* host;
-  const IID& iid;
+  IID iid;
   int references = 0;
   std::array<void*, 256> slots;
 };
@@ -57,7 +62,9 @@ struct StandIn {
 class StandInHost final : public ComClass<IOleClientSite, IServiceProvider, IOleWindow> {
  public:
   StandInHost(int ways, StringView document_address, StringView browser_address)
-      : ways(ways), document_address(document_address), browser_address(browser_address) {}
+      : ways(ways), document_address(document_address), browser_address(browser_address) {
+    browser_.Implement(&IWebBrowser2::get_HWND, &GetWindowOfBrowser);
+  }
   ~StandInHost() override {
     if (document_.references + browser_.references + window_.references != 0) std::abort();
   }
@@ -67,7 +74,17 @@ class StandInHost final : public ComClass<IOleClientSite, IServiceProvider, IOle
   String browser_address;
   std::function<void()> when_asked = [] {};
   HWND window = nullptr;
+  HWND browser_window = nullptr;
+  GUID browser_service = __uuidof(IWebBrowserApp);
 
+  // As which of its interfaces the browser is known.
+  void OfferBrowserAs(REFIID iid) { browser_.iid = iid; }
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    return (ways & kItself) != 0 && iid == document_.iid
+               ? StandIn::QueryInterface(&document_, iid, object)
+               : ComClass::QueryInterface(iid, object);
+  }
   STDMETHODIMP GetContainer(IOleContainer** container) override {
     *container = nullptr;
     if ((ways & kContainer) == 0) return E_NOINTERFACE;
@@ -78,7 +95,7 @@ class StandInHost final : public ComClass<IOleClientSite, IServiceProvider, IOle
     const auto has = [&](int way, REFGUID id) { return (ways & way) != 0 && service == id; };
     if (has(kDocument, document_.iid)) return StandIn::QueryInterface(&document_, iid, object);
     if (has(kPageWindow, window_.iid)) return StandIn::QueryInterface(&window_, iid, object);
-    const bool is_browser = service == __uuidof(IWebBrowserApp);
+    const bool is_browser = service == browser_service;
     if (is_browser && (ways & kHiddenBrowser) != 0) return S_OK;
     if (is_browser && (ways & kBrowser) != 0) {
       return StandIn::QueryInterface(&browser_, iid, object);
@@ -109,6 +126,10 @@ class StandInHost final : public ComClass<IOleClientSite, IServiceProvider, IOle
   }
   static HRESULT STDMETHODCALLTYPE GetLocation(StandIn* self, BSTR* text) {
     return Tell(HostOf(self).browser_address, text);
+  }
+  static HRESULT STDMETHODCALLTYPE GetWindowOfBrowser(StandIn* self, SHANDLE_PTR* handle) {
+    *handle = reinterpret_cast<SHANDLE_PTR>(HostOf(self).browser_window);
+    return S_OK;
   }
   static HRESULT STDMETHODCALLTYPE GetDocument(StandIn* self, void** document) {
     StandIn& shown = HostOf(self).document_;
