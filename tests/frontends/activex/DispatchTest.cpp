@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "Control/InterfaceTable.h"
 #include "frontends/activex/ClassFactory.h"
 #include "platform/windows/ComErrors.h"
@@ -14,7 +12,6 @@ namespace {
 
 using namespace testing;
 
-constexpr DISPID kGetVersion = 0x60030016;
 constexpr DISPID kServerName = 0x68030000;
 
 ComPtr<IDispatch> MakeControl() {
@@ -87,36 +84,6 @@ TEST(ControlDispatch, PutsTheServerNameAndRaisesItsError) {
                             nullptr, nullptr),
             DISP_E_EXCEPTION);
   EXPECT_EQ(put(kNull).status, DISP_E_TYPEMISMATCH);
-}
-
-TEST(ControlDispatch, ServesInstancesOnSeveralThreads) {
-  const auto work = [](bool& all_well) {
-    if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return;
-    {
-      const ComPtr<IDispatch> control = MakeControl();
-      bool well = true;
-      for (int i = 0; i < 2000; ++i) {
-        wchar_t text[] = L"servername";
-        LPOLESTR name = text;
-        DISPID id = 0;
-        well &= SUCCEEDED(control->GetIDsOfNames(IID_NULL, &name, 1, 0, &id));
-        Variant variable(u"http://server/");
-        well &= SUCCEEDED(
-            Invoke(*control.Get(), id, DISPATCH_PROPERTYPUT, {ByReference(variable)}, {kNewValue})
-                .status);
-        well &= Described(variable) == "8:server";
-        well &= Invoke(*control.Get(), kGetVersion, kScriptCall).result.starts_with("8:");
-      }
-      all_well = well;
-    }
-    CoUninitialize();
-  };
-  bool first = false;
-  bool second = false;
-  std::thread other(work, std::ref(first));
-  std::thread(work, std::ref(second)).join();
-  other.join();
-  EXPECT_TRUE(first && second);
 }
 
 }  // namespace

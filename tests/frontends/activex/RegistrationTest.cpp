@@ -7,6 +7,7 @@
 #include "frontends/activex/EmbeddedObject.h"
 #include "frontends/activex/Registration.h"
 #include "frontends/activex/Registry.h"
+#include "frontends/activex/TypeLibrary.h"
 #include "tests/frontends/activex/ControlModule.h"
 // Stands on Win32.h.
 #include <sddl.h>
@@ -95,6 +96,7 @@ class RegistrationTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     ControlModule().Call("DllUnregisterServer");  // of a run that was cut short
+    Unregister();
     // A user has these as soon as anything is entered for him; they are the system's, and stay.
     for (const wchar_t* key : {L"CLSID", L"TypeLib", L"Interface"}) {
       CreateKey(HKEY_CURRENT_USER, u"Software\\Classes\\" + FromWide(key));
@@ -195,8 +197,12 @@ TEST_F(RegistrationTest, LeavesWhatBelongsToAnotherFile) {
   const Entries others = Classes(HKEY_CURRENT_USER);
   EXPECT_EQ(Unregister(), S_OK);
   EXPECT_EQ(Classes(HKEY_CURRENT_USER), others);
-  WriteText(HKEY_CURRENT_USER, server, nullptr, L"C:\\moved away\\KestrelonControl2005.dll");
-  EXPECT_EQ(Unregister(), S_OK);
+  // The same file in another spelling, and one that is gone.
+  for (const String& path : {UpperCase(ModulePath()), String(u"C:\\moved away\\Control.dll")}) {
+    WriteText(HKEY_CURRENT_USER, server, nullptr, AsWide(path));
+    EXPECT_EQ(Unregister(), S_OK);
+    EXPECT_FALSE(HasRegistryKey(HKEY_CURRENT_USER, kClass));
+  }
 }
 
 TEST_F(RegistrationTest, LeavesWhatTheOtherArchitectureNeeds) {
