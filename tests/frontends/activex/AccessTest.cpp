@@ -349,6 +349,8 @@ TEST_F(Access, IsForPagesAloneOnceSafetyIsClaimed) {
 
   Client client;
   EXPECT_EQ(client.SetSafety(IID_IPersist, 0, 0), E_NOINTERFACE);
+  EXPECT_EQ(client.SetSafety(IID_IDispatch, 0, Client::kCaller), S_OK);
+  EXPECT_FALSE(client.IsClaimed());
   EXPECT_EQ(client.SetSafety(IID_IDispatch, INTERFACESAFE_FOR_UNTRUSTED_DATA, 0), E_FAIL);
   ASSERT_TRUE(client.Claim());
   EXPECT_EQ(client.SetSafety(IID_IDispatch, Client::kCaller, 0), S_OK);

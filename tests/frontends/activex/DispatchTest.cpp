@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "Control/InterfaceTable.h"
 #include "frontends/activex/ClassFactory.h"
 #include "platform/windows/ComErrors.h"
@@ -12,7 +14,23 @@ namespace {
 
 using namespace testing;
 
+constexpr DISPID kFindFile = 0x6003000F;
+constexpr DISPID kGetVersion = 0x60030016;
 constexpr DISPID kServerName = 0x68030000;
+
+// An object of a page, which runs its script when its text is wanted.
+class PageObject final : public DispatchObject {
+ public:
+  explicit PageObject(std::function<void()> script) : script_(std::move(script)) {}
+  Value Invoke(InvokeKind, StringView, const Arguments&) override {
+    script_();
+    return u"C:\\no such file";
+  }
+  String TypeName() const override { return u"PageObject"; }
+
+ private:
+  const std::function<void()> script_;
+};
 
 ComPtr<IDispatch> MakeControl() {
   ComPtr<IDispatch> control;
@@ -84,6 +102,28 @@ TEST(ControlDispatch, PutsTheServerNameAndRaisesItsError) {
                             nullptr, nullptr),
             DISP_E_EXCEPTION);
   EXPECT_EQ(put(kNull).status, DISP_E_TYPEMISMATCH);
+}
+
+TEST(ControlDispatch, IsBusyAndStaysWhileAMemberWorks) {
+  ComPtr<IDispatch> control = MakeControl();
+  IDispatch& called = *control.Get();
+  Outcome meanwhile;
+  const auto find = [&](std::function<void()> script) {
+    const Value object = DispatchPointer(std::make_shared<PageObject>(std::move(script)));
+    const Variant argument(object);
+    return Invoke(called, kFindFile, kScriptCall, {argument}).result;
+  };
+  EXPECT_EQ(find([&] { meanwhile = Invoke(called, kGetVersion, kScriptCall); }), "11:False");
+  EXPECT_EQ(meanwhile.status, DISP_E_EXCEPTION);
+  EXPECT_EQ(meanwhile.scode, RPC_E_SERVERCALL_RETRYLATER);
+  EXPECT_FALSE(meanwhile.description.empty());
+  EXPECT_EQ(Invoke(called, kGetVersion, kScriptCall).status, S_OK);
+  const auto let_go = [&] {
+    const int32_t alive = live_objects;
+    control.Reset();
+    EXPECT_EQ(live_objects, alive);
+  };
+  EXPECT_EQ(find(let_go), "11:False");
 }
 
 }  // namespace

@@ -123,6 +123,8 @@ TEST(Hosting, HandsOutFactoriesOfItsOwnClassOnly) {
   ComPtr<IUnknown> control;
   EXPECT_EQ(factory->CreateInstance(factory.Get(), IID_PPV_ARGS(&control)), CLASS_E_NOAGGREGATION);
   EXPECT_EQ(factory->CreateInstance(nullptr, IID_IPersist, &control), E_NOINTERFACE);
+  EXPECT_EQ(factory->CreateInstance(nullptr, kMembersInterface, &control), S_OK);
+  control.Reset();
   EXPECT_EQ(module.Call("DllCanUnloadNow"), S_FALSE);
   EXPECT_EQ(factory->LockServer(TRUE), S_OK);
   factory.Reset();
