@@ -172,10 +172,6 @@ void StoreThrough(const VARIANT& reference, LCID locale, const Variant& value) {
     std::swap(*reference.pbstrVal, converted.bstrVal);
   } else if (type == VT_DISPATCH || type == VT_UNKNOWN) {
     std::swap(*reference.ppunkVal, converted.punkVal);
-  } else if (type == VT_DECIMAL) {
-    const WORD reserved = reference.pdecVal->wReserved;
-    *reference.pdecVal = converted.decVal;
-    reference.pdecVal->wReserved = reserved;
   }
 }
 

@@ -29,8 +29,8 @@ class CallArguments {
   //
   // A script's variable takes the parameter's type, one of a fixed type keeps its own. A variable
   // that cannot take the new value keeps the old one: the member has done its work by then, and the
-  // caller learns more from its result than from a failure of this. Arrays by reference stay too,
-  // for no member makes any.
+  // caller learns more from its result than from a failure of this. Arrays and decimals by
+  // reference stay too, for no member makes any.
   void WriteBack();
 
  private:

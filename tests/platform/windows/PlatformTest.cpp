@@ -215,6 +215,7 @@ TEST_F(PlatformTest, AnswersOtherProgramsWhileItPauses) {
 TEST(SystemTexts, AreExactOrNothing) {
   EXPECT_EQ(NearestAnsi(u"\u20AC\u0141\u5C71\u0081"), "\x80L?\x81");
   EXPECT_EQ(InSystemCodePage({u"plain", u""}), (std::vector<std::string>{"plain", ""}));
+  EXPECT_EQ(AnsiPath(u"C:\\none \u5C71"), "C:\\none ?") << "what is not there has no short name";
   // No code page but UTF-8 has both.
   EXPECT_EQ(InSystemCodePage({u"plain", u"\u0141\u5C71"}).has_value(), GetACP() == CP_UTF8);
 }

@@ -59,7 +59,8 @@ TEST_F(ServersTest, CreatesHereAndOnNamedServers) {
   DWORD size = static_cast<DWORD>(name.size());
   ASSERT_TRUE(GetComputerNameW(name.data(), &size));
   const String machine = FromWide({name.data(), size});
-  for (const String& server : {String(), String(u"127.0.0.1"), String(u"LocalHost"), machine}) {
+  for (const String& server :
+       {String(), String(u"."), String(u"127.0.0.1"), String(u"LocalHost"), machine}) {
     EXPECT_EQ(NumberOfCreating(kDocument, server), 0) << ToUtf8(server);
     EXPECT_EQ(NumberOfCreating(u"Kestrelon.NoSuchServer", server), kCannotCreateObject);
   }
@@ -77,6 +78,7 @@ TEST_F(ServersTest, TellsWhatIsNotInstalledFromOtherFailures) {
       {static_cast<HRESULT>(0x80070002), kCannotCreateObject},
       {CO_E_SERVER_EXEC_FAILURE, kCannotCreateObject},
       {static_cast<HRESULT>(0x800706BA), kServerUnavailable},
+      {E_NOINTERFACE, kDoesNotSupportAutomation},
       {E_FAIL, E_FAIL},
   };
   for (const auto& [failure, number] : cases) {
