@@ -362,12 +362,21 @@ TEST_F(Access, IsForPagesAloneOnceSafetyIsClaimed) {
   EXPECT_FALSE(client.Claim());
 }
 
-TEST_F(Access, FindsTheWindowOfItsHost) {
+TEST_F(Access, LeadsBackToTheHostAndItsWindow) {
   HostSite host;
+  ComPtr<IOleClientSite> site;
+  EXPECT_EQ(host.GetSite(IID_PPV_ARGS(&site)), E_FAIL);
+  EXPECT_EQ(host.GetClientSite(&site), S_OK);
+  EXPECT_EQ(site, nullptr);
   EXPECT_EQ(host.Window(), nullptr);
   const auto page = Page(kGood);
   page->OfferBrowserAs(__uuidof(IWebBrowserApp));
   host.SetSite(static_cast<IOleClientSite*>(page.Get()));
+  EXPECT_EQ(host.GetSite(IID_PPV_ARGS(&site)), S_OK);
+  EXPECT_EQ(site.Get(), page.Get());
+  host.SetClientSite(page.Get());
+  EXPECT_EQ(host.GetClientSite(&site), S_OK);
+  EXPECT_EQ(site.Get(), page.Get());
   for (HWND* const window : {&page->browser_window, &page->window}) {
     *window = CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     ASSERT_NE(*window, nullptr);
