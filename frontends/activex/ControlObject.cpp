@@ -49,11 +49,11 @@ STDMETHODIMP ControlObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT
 }
 
 STDMETHODIMP ControlObject::Invoke(DISPID dispid, REFIID reserved, LCID locale, WORD flags,
-                                   DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                                   DISPPARAMS* parameters, VARIANT* answer, EXCEPINFO* exception,
                                    UINT* failed_argument) {
   if (!IsEqualIID(reserved, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
   if (parameters == nullptr) return E_POINTER;
-  return Guard([&]() -> HRESULT {
+  const HRESULT result = Guard([&]() -> HRESULT {
     const ComPtr<ControlObject> kept_alive(this);  // a page may let go of it meanwhile
     if (!host_.MayCall()) return Fail(AutomationError(kPermissionDenied), exception);
     if (is_busy_) {
@@ -63,9 +63,12 @@ STDMETHODIMP ControlObject::Invoke(DISPID dispid, REFIID reserved, LCID locale, 
                   exception);
     }
     const BusyMark mark(is_busy_);
-    return InvokeMember(control_, dispid, locale, flags, *parameters, result, exception,
+    return InvokeMember(control_, dispid, locale, flags, *parameters, answer, exception,
                         failed_argument);
   });
+  // What a server left there that was called meanwhile is not the reason of this failure.
+  if (FAILED(result)) SetErrorInfo(0, nullptr);
+  return result;
 }
 
 STDMETHODIMP ControlObject::SetSite(IUnknown* site) {

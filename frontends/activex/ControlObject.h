@@ -32,13 +32,14 @@ class ControlObject final
 
   // The members. A host that may not call gets error 70 "Permission denied", and nothing is done.
   // While a member waits for a message box or for another program, the page's timers may call
-  // again: that fails with RPC_E_SERVERCALL_RETRYLATER, for the member's state is half made.
+  // again: that fails with RPC_E_SERVERCALL_RETRYLATER, for the member's state is half made. What
+  // there is to say of a failure is in `exception`; no error object is left on the thread.
   STDMETHODIMP GetTypeInfoCount(UINT* count) override;
   STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** information) override;
   STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
                              DISPID* ids) override;
   STDMETHODIMP Invoke(DISPID dispid, REFIID reserved, LCID locale, WORD flags,
-                      DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                      DISPPARAMS* parameters, VARIANT* answer, EXCEPINFO* exception,
                       UINT* failed_argument) override;
 
   // The host.

@@ -104,6 +104,21 @@ TEST(ControlDispatch, PutsTheServerNameAndRaisesItsError) {
   EXPECT_EQ(put(kNull).status, DISP_E_TYPEMISMATCH);
 }
 
+TEST(ControlDispatch, LeavesNoErrorOfAnother) {
+  const ComPtr<IDispatch> control = MakeControl();
+  ComPtr<ISupportErrorInfo> support;
+  ASSERT_EQ(control.As(&support), S_OK);
+  EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_OK);
+  EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IUnknown), S_FALSE);
+  ComPtr<ICreateErrorInfo> made;
+  ComPtr<IErrorInfo> information;
+  ASSERT_EQ(CreateErrorInfo(&made), S_OK);
+  ASSERT_EQ(made.As(&information), S_OK);
+  SetErrorInfo(0, information.Get());
+  EXPECT_EQ(Invoke(*control.Get(), kFindFile, kScriptCall, {kNull}).status, DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(GetErrorInfo(0, &information), S_FALSE) << "a client would take it for the reason";
+}
+
 TEST(ControlDispatch, IsBusyAndStaysWhileAMemberWorks) {
   ComPtr<IDispatch> control = MakeControl();
   IDispatch& called = *control.Get();
