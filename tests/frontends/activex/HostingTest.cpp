@@ -45,6 +45,11 @@ TEST(Hosting, KeepsSinksUntilTheyAreDisconnected) {
   EXPECT_EQ(found, point);
   EXPECT_EQ(container->FindConnectionPoint(kMembersInterface, &found), CONNECT_E_NOCONNECTION);
 
+  ComPtr<IConnectionPointContainer> found_container;
+  EXPECT_EQ(point->GetConnectionPointContainer(&found_container), S_OK);
+  EXPECT_EQ(found_container, container);
+  found_container.Reset();
+
   int alive = 0;
   DWORD cookies[2];
   for (DWORD& cookie : cookies) {

@@ -73,7 +73,7 @@ class WithoutRights {
  public:
   explicit WithoutRights(const String& path) {
     EXPECT_EQ(key_.Create(HKEY_LOCAL_MACHINE, path, KEY_ALL_ACCESS), ERROR_SUCCESS);
-    SetRights(L"D:P(D;;0x6;;;WD)(A;;KA;;;WD)");  // neither values nor keys are entered
+    SetRights(L"D:P(D;;KA;;;WD)");
   }
   ~WithoutRights() { SetRights(L"D:(A;;KA;;;WD)"); }
 
@@ -141,6 +141,8 @@ TEST_F(RegistrationTest, MakesTheControlKnownByItsName) {
   }
   EXPECT_EQ(ReadRegistryText(HKEY_LOCAL_MACHINE, kClass + u"\\MiscStatus\\1"),
             FromUtf8(std::to_string(EmbeddedObject::kMiscStatus)));
+  const String server = LowerCase(u"\\CLSID\\" + TextOf(kControlClass) + u"\\InprocServer32");
+  EXPECT_TRUE(registered.contains(server + String(u"\\ThreadingModel=Apartment\0", 26)));
   for (const String& entry : Added(machine_, registered)) {
     // The categories of controls that are safe for scripting, and for initialising.
     EXPECT_EQ(entry.find(u"7DD95801"), String::npos);
@@ -171,6 +173,12 @@ TEST_F(RegistrationTest, IsForTheUserAloneWithoutTheRights) {
     ASSERT_EQ(Register(), S_OK);
     EXPECT_FALSE(HasRegistryKey(HKEY_LOCAL_MACHINE, kClass)) << "nothing is left half done";
     EXPECT_TRUE(HasRegistryKey(HKEY_CURRENT_USER, kClass));
+  }
+  ASSERT_EQ(RegisterFor(Users::kAll), S_OK);
+  {
+    const WithoutRights restricted(kLibrary + u"\\1.0");
+    EXPECT_EQ(Unregister(), E_ACCESSDENIED);
+    EXPECT_FALSE(HasRegistryKey(HKEY_CURRENT_USER, kClass));
   }
   EXPECT_EQ(Unregister(), S_OK);
 }
