@@ -259,6 +259,12 @@ TEST_F(CallingMembers, WritesBackInTheTypeOfTheParameter) {
   const Value object = DispatchPointer(std::make_shared<Recorder>(u""));
   EXPECT_EQ(after(&Store<Object>, object, Object()), "9:");
   EXPECT_EQ(after(&Store<Value>, object, u"text"), "8:text");
+
+  VARIANT by_value = Number(5);
+  DISPPARAMS parameters{&by_value, nullptr, 1, 0};
+  const Member member = Describe(u"Store", 1, &Store<String>, {Required(u"value")});
+  EXPECT_EQ(CallMember(control, member, locale, parameters, nullptr, nullptr, nullptr), S_OK);
+  EXPECT_EQ(Described(by_value), "3:5") << "what is no reference stays";
 }
 
 TEST_F(CallingMembers, UsesTheTablesDefaults) {

@@ -170,6 +170,7 @@ TEST_F(RegistrationTest, EntersTheSameForOneUser) {
 TEST_F(RegistrationTest, IsForTheUserAloneWithoutTheRights) {
   {
     const WithoutRights restricted(kLibrary);
+    EXPECT_TRUE(HasRegistryKey(HKEY_LOCAL_MACHINE, kLibrary)) << "though it cannot be read";
     ASSERT_EQ(Register(), S_OK);
     EXPECT_FALSE(HasRegistryKey(HKEY_LOCAL_MACHINE, kClass)) << "nothing is left half done";
     EXPECT_TRUE(HasRegistryKey(HKEY_CURRENT_USER, kClass));
