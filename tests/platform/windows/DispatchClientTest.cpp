@@ -158,6 +158,11 @@ TEST_F(ClientTest, TellsThatAnObjectIsNoCollection) {
     server_->answer = [&](WORD, VARIANT*, EXCEPINFO*) { return result; };
     EXPECT_EQ(FailureOf([&] { client_.Enumerate(); }), "451: Object not a collection");
   }
+  server_->answer = [](WORD, VARIANT*, EXCEPINFO* reported) {
+    reported->scode = static_cast<HRESULT>(0x800A0046);
+    return DISP_E_EXCEPTION;
+  };
+  EXPECT_EQ(FailureOf([&] { client_.Enumerate(); }), "70: Permission denied") << "it may be one";
 }
 
 // A thread with an apartment of its own, whose server is reached through a proxy.
