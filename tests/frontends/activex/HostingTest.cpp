@@ -112,6 +112,9 @@ TEST(Hosting, IsPlacedWithoutBeingShown) {
   EXPECT_EQ(size.cy, 200);
   EXPECT_EQ(object->GetExtent(DVASPECT_ICON, &size), DV_E_DVASPECT);
   EXPECT_EQ(object->GetMiscStatus(DVASPECT_CONTENT, nullptr), E_POINTER);
+  DWORD status = 0;
+  EXPECT_EQ(object->GetMiscStatus(DVASPECT_CONTENT, &status), S_OK);
+  EXPECT_NE(status & OLEMISC_SETCLIENTSITEFIRST, 0u) << "it is to know the page before its calls";
   EXPECT_EQ(object->EnumVerbs(nullptr), E_POINTER);
   EXPECT_EQ(object->Close(OLECLOSE_NOSAVE), S_OK);
   // What a host would ask before it takes over a page's data.
