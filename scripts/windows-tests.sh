@@ -31,7 +31,7 @@ build_windows_tests() {
 # It is installed where the system knows its architecture, and the architecture never added.
 has_32_bit_wine() {
   if dpkg --print-foreign-architectures | grep -qx i386; then
-    (install wine32:i386) || return
+    (install wine32:i386) || true
   fi
   can_run i686
 }
@@ -46,13 +46,13 @@ can_run() {
 }
 
 # Wine's own processes start with the first program, keep its streams, and end seconds after the
-# last: CTest would wait for them. So the first program is none of its own, and a shell that waits
-# for its input keeps them running to the end.
+# last: CTest would wait for them. So the first program is none of its own: a shell that tells when
+# it is up, and then waits for its input, which keeps them running to the end.
 run_windows_tests() {
   [ ${#windows_builds[@]} -gt 0 ] || return 0
   local architecture
-  "$project/scripts/wine" cmd.exe /c exit >/dev/null 2>&1 </dev/null
-  coproc waiting { exec "$project/scripts/wine" cmd.exe /q /k >/dev/null 2>&1; }
+  coproc waiting { exec "$project/scripts/wine" cmd.exe /q /k echo up 2>/dev/null; }
+  read -r -u "${waiting[0]}"
   for architecture in "${windows_builds[@]}"; do
     say "Testing the Windows build for $architecture"
     (cd "$project/build-win/$architecture" && ctest --output-on-failure)
