@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
+#include "Control/InterfaceTable.h"
 #include "platform/windows/ComClass.h"
 #include "platform/windows/Variants.h"
 #include "tests/frontends/activex/ControlModule.h"
@@ -120,6 +123,29 @@ TEST(Hosting, IsPlacedWithoutBeingShown) {
   // What a host would ask before it takes over a page's data.
   ComPtr<IPersist> stored;
   EXPECT_EQ(object.As(&stored), E_NOINTERFACE);
+}
+
+// A host, or another control, that was made with the same compiler brings one along.
+TEST(Hosting, FailsInOrderBesideASharedRunTimeLibrary) {
+  std::vector<HMODULE> libraries;
+  for (const auto& file : std::filesystem::directory_iterator(KESTRELON_RUNTIME)) {
+    const auto path = std::filesystem::absolute(file.path()).make_preferred();
+    libraries.push_back(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+    EXPECT_NE(libraries.back(), nullptr) << path;
+  }
+  EXPECT_EQ(libraries.size(), 2u);
+  {
+    const ControlModule module;
+    const auto control = module.MakeControl<IDispatch>();
+    Variant address(Value(u"http://host"));
+    DISPID put = DISPID_PROPERTYPUT;
+    DISPPARAMS parameters{&address, &put, 1, 1};
+    const auto id = static_cast<DISPID>(FindMember(u"ServerName")->dispid);
+    EXPECT_EQ(control->Invoke(id, IID_NULL, 0, DISPATCH_PROPERTYPUT, &parameters, nullptr, nullptr,
+                              nullptr),
+              DISP_E_EXCEPTION);
+  }
+  for (const HMODULE library : libraries) FreeLibrary(library);
 }
 
 TEST(Hosting, HandsOutFactoriesOfItsOwnClassOnly) {
