@@ -1,5 +1,6 @@
 """Checks that a module for Windows has the exports and the version that it should, runs on any
-Windows by itself, and holds nothing of the place where it was built.
+Windows by itself with the protections of its memory, and holds nothing of the place where it was
+built.
 
 CheckModule.py MODULE ARCHITECTURE, with x86_64 or i686 for the architecture.
 """
@@ -12,6 +13,11 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 FORMATS = {"x86_64": "pei-x86-64", "i686": "pei-i386"}
+# Of data against being run, and of code against being found at a known place.
+PROTECTIONS = {
+    "x86_64": ["NX_COMPAT", "DYNAMIC_BASE", "HIGH_ENTROPY_VA"],
+    "i686": ["NX_COMPAT", "DYNAMIC_BASE"],
+}
 EXPORTS = ["DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"]
 # On every Windows from 7 on.
 SYSTEM_LIBRARIES = {
@@ -47,6 +53,11 @@ def faults_of(module, architecture):
         if name.lower() not in SYSTEM_LIBRARIES:
             yield (f"it imports {name}: link that statically, or enter it in SYSTEM_LIBRARIES of "
                    f"{pathlib.Path(__file__).name} if every Windows has it")
+    for name in PROTECTIONS[architecture]:
+        if not re.search(rf"^\s+{name}$", described, re.M):
+            yield f"it lacks the flag {name}: see the linker's options for it"
+    if not re.search(r"^Entry 5 \w+ 0*[1-9a-f]\w* Base Relocation", described, re.M):
+        yield "it has no relocations, and could not be moved: link it without stripping them"
     contents = pathlib.Path(module).read_bytes()
     project = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
     version = re.search(r"^project\(\w+ VERSION ([\d.]+)", project, re.M)[1]
