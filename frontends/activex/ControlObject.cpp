@@ -1,5 +1,6 @@
 #include "frontends/activex/ControlObject.h"
 
+#include "frontends/activex/FloatingPoint.h"
 #include "frontends/activex/Identifiers.h"
 #include "frontends/activex/MemberDispatch.h"
 #include "platform/windows/ComErrors.h"
@@ -63,6 +64,7 @@ STDMETHODIMP ControlObject::Invoke(DISPID dispid, REFIID reserved, LCID locale, 
                   exception);
     }
     const BusyMark mark(is_busy_);
+    const UsualFloatingPoint floating_point;
     return InvokeMember(control_, dispid, locale, flags, *parameters, answer, exception,
                         failed_argument);
   });

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cfloat>
 #include <functional>
 
 #include "Control/InterfaceTable.h"
 #include "frontends/activex/ClassFactory.h"
 #include "platform/windows/ComErrors.h"
 #include "tests/frontends/activex/Calls.h"
+#include "tests/platform/windows/RecordingDispatch.h"
 
 namespace kestrelon {
 namespace {
@@ -139,6 +141,29 @@ TEST(ControlDispatch, IsBusyAndStaysWhileAMemberWorks) {
     EXPECT_EQ(live_objects, alive);
   };
   EXPECT_EQ(find(let_go), "11:False");
+}
+
+TEST(ControlDispatch, CalculatesInTheSameWayForEveryHost) {
+  const bool has_precision = sizeof(void*) == 4;  // with 64 bits every type has its own
+  const unsigned settings = _MCW_EM | _MCW_RC | (has_precision ? _MCW_PC : 0);
+  const unsigned before = _control87(0, 0);
+  unsigned inside = 0;
+  const auto text = MakeComObject<RecordingDispatch>();
+  text->answer = [&](WORD, VARIANT* result, EXCEPINFO*) {
+    inside = _control87(0, 0);
+    result->bstrVal = Bstr(u"http://server/page").Detach();
+    result->vt = VT_BSTR;
+    return S_OK;
+  };
+  const ComPtr<IDispatch> control = MakeControl();
+  const unsigned of_host = _control87(_EM_INEXACT | _RC_CHOP | _PC_24, settings);
+  const Outcome outcome = Invoke(*control.Get(), kServerName, DISPATCH_PROPERTYPUT,
+                                 {Plain(VT_DISPATCH, text.Get())}, {kNewValue});
+  const unsigned after = _control87(0, 0);
+  _control87(before, settings);
+  EXPECT_EQ(outcome.status, S_OK);
+  EXPECT_EQ(inside & settings, _MCW_EM | (has_precision ? _PC_53 : 0u));
+  EXPECT_EQ(after, of_host);
 }
 
 }  // namespace
