@@ -1,7 +1,8 @@
 #include "automation/Value.h"
 
+#include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <optional>
 
@@ -10,21 +11,31 @@
 namespace kestrelon {
 namespace {
 
+// Numbers are not written and read by the C library: the program that hosts the control may have
+// set that to a language with a decimal comma.
+
 // 15 significant digits, as the run-time writes a Double.
 String FormatDouble(double number) {
-  char buffer[40];
-  std::snprintf(buffer, sizeof buffer, "%.15G", number);
-  return FromUtf8(buffer);
+  std::array<char, 40> buffer{};
+  const auto end = std::to_chars(buffer.begin(), buffer.end(), number, std::chars_format::general,
+                                 /*precision=*/15)
+                       .ptr;
+  return UpperCase(FromUtf8({buffer.begin(), end}));
 }
 
 std::optional<double> ParseNumber(StringView text) {
-  const std::string ascii = ToAnsi(Trim(text));
-  if (ascii.empty() || ascii.find_first_not_of("0123456789+-.eE") != std::string::npos) {
-    return std::nullopt;
+  std::string ascii = ToAnsi(Trim(text));
+  if (ascii.starts_with('+') && !ascii.starts_with("+-")) ascii.erase(0, 1);
+  // What else from_chars knows is no number to the run-time.
+  if (ascii.find_first_not_of("0123456789+-.eE") != std::string::npos) return std::nullopt;
+  const char* last = ascii.data() + ascii.size();
+  double number = 0;
+  const auto [end, error] = std::from_chars(ascii.data(), last, number);
+  if (error == std::errc::invalid_argument || end != last) return std::nullopt;
+  if (error == std::errc::result_out_of_range) {
+    const bool is_small = ascii.find('-', 1) != std::string::npos;  // by its exponent
+    number = std::copysign(is_small ? 0 : HUGE_VAL, ascii.front() == '-' ? -1 : 1);
   }
-  char* end = nullptr;
-  const double number = std::strtod(ascii.c_str(), &end);
-  if (*end != '\0') return std::nullopt;
   return number;
 }
 

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cmath>
+
 #include "automation/DispatchObject.h"
 #include "automation/Value.h"
 #include "tests/support/Failures.h"
@@ -42,6 +45,33 @@ TEST(Value, ConvertsAsTheRunTimeDoes) {
   EXPECT_EQ(NumberOf([] { Value(u"abc").ToLong(); }), kTypeMismatch);
   EXPECT_EQ(NumberOf([] { Value(1).ToObject(); }), kObjectRequired);
   EXPECT_EQ(NumberOf([] { Object().Get(u"x"); }), kObjectVariableNotSet);
+}
+
+// A program that hosts the control shares its C library, and may have set that to its user's
+// language.
+TEST(Value, WritesAndReadsNumbersInEveryLanguage) {
+  const std::string before = setlocale(LC_ALL, nullptr);
+  // Where none of them is installed, there is nothing to disturb either.
+  for (const char* language : {"German", "de_DE.UTF-8", "de_DE"}) setlocale(LC_ALL, language);
+  const struct {
+    const char16_t* text;
+    double number;
+    const char16_t* written;
+  } cases[] = {{u" 2.5 ", 2.5, u"2.5"},
+               {u"+.5", 0.5, u"0.5"},
+               {u"-5.", -5, u"-5"},
+               {u"1e20", 1e20, u"1E+20"},
+               {u"0.1234567890123456", 0.1234567890123456, u"0.123456789012346"},
+               {u"-1e999", -HUGE_VAL, u"-INF"},
+               {u"1e-999", 0, u"0"}};
+  for (const auto& [text, number, written] : cases) {
+    EXPECT_EQ(Value(text).ToDouble(), number) << ToUtf8(text);
+    EXPECT_EQ(ToUtf8(Value(number).ToText()), ToUtf8(written));
+  }
+  for (const StringView text : {u"", u"+-5", u"++5", u"1e", u"2,5", u"inf", u"0x5", u"."}) {
+    EXPECT_EQ(NumberOf([&] { Value(text).ToDouble(); }), kTypeMismatch) << ToUtf8(text);
+  }
+  setlocale(LC_ALL, before.c_str());
 }
 
 TEST(Value, ComparesLoosely) {
