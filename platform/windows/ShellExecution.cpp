@@ -5,6 +5,10 @@
 namespace kestrelon {
 namespace {
 
+// In characters. Paths end at 260, and the shell need not survive more than an address has: Wine's
+// overruns its stack from 980 on.
+constexpr size_t kLongestFile = 900;
+
 HINSTANCE Execute(HWND window, const String& operation, const String& file,
                   const String& parameters, const String& directory, int32_t show) {
   if (const auto texts = InSystemCodePage({operation, file, parameters, directory})) {
@@ -21,7 +25,7 @@ int32_t WindowsPlatform::ShellExecute(SystemHandle window, const String& operati
                                       const String& file, const String& parameters,
                                       const String& directory, int32_t show) {
   // A NUL would end the name that the system sees, and another file would be opened.
-  if (file.find(u'\0') != String::npos) return ERROR_FILE_NOT_FOUND;
+  if (file.size() > kLongestFile || file.find(u'\0') != String::npos) return ERROR_FILE_NOT_FOUND;
   const HINSTANCE code =
       Execute(static_cast<HWND>(PointerOf(window)), operation, file, parameters, directory, show);
   return static_cast<int32_t>(reinterpret_cast<intptr_t>(code));

@@ -156,6 +156,7 @@ TEST_F(TempFolderTest, TellsWhyTheShellOpensNothing) {
     CloseHandle(CreateFileW(AsWide(file), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
     EXPECT_EQ(open(file), SE_ERR_NOASSOC) << ToUtf8(file);
     EXPECT_EQ(open(file + u'\0'), SE_ERR_FNF);
+    EXPECT_EQ(open(file + String(1000, u'x')), SE_ERR_FNF);
   }
 }
 
