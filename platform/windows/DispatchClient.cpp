@@ -6,6 +6,15 @@
 namespace kestrelon {
 namespace {
 
+// A call into a server, in the user's language. Spreadsheets that lack that language turn every
+// call down, and are then asked in English.
+template <typename Call>
+HRESULT InKnownLanguage(const Call& call) {
+  constexpr LCID kEnglish = 0x0409;
+  const HRESULT status = call(LOCALE_USER_DEFAULT);
+  return status == TYPE_E_INVDATAREAD ? call(kEnglish) : status;
+}
+
 // The ids of a member and of the arguments that are given by name. They are asked for in one call,
 // as an argument has an id only beside its member.
 std::vector<DISPID> AskForIds(IDispatch& dispatch, StringView member, const Arguments& arguments) {
@@ -14,9 +23,10 @@ std::vector<DISPID> AskForIds(IDispatch& dispatch, StringView member, const Argu
   std::vector<LPOLESTR> pointers;
   for (String& name : names) pointers.push_back(const_cast<wchar_t*>(AsWide(name)));
   std::vector<DISPID> ids(names.size(), DISPID_UNKNOWN);
-  const HRESULT result =
-      dispatch.GetIDsOfNames(IID_NULL, pointers.data(), static_cast<UINT>(pointers.size()),
-                             LOCALE_USER_DEFAULT, ids.data());
+  const HRESULT result = InKnownLanguage([&](LCID language) {
+    return dispatch.GetIDsOfNames(IID_NULL, pointers.data(), static_cast<UINT>(pointers.size()),
+                                  language, ids.data());
+  });
   if (result == DISP_E_UNKNOWNNAME && ids[0] != DISPID_UNKNOWN && !arguments.named.empty()) {
     throw AutomationError(kNamedArgumentNotFound);
   }
@@ -119,9 +129,11 @@ Value InvokeMember(IDispatch& dispatch, DISPID member, const std::vector<WORD>& 
     EXCEPINFO information{};
     Variant result;
     SetErrorInfo(0, nullptr);  // whatever an earlier failure left
-    status = dispatch.Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flag, &parameters,
+    status = InKnownLanguage([&](LCID language) {
+      return dispatch.Invoke(member, IID_NULL, language, flag, &parameters,
                              (flag & DISPATCH_PROPERTYGET) != 0 ? &result : nullptr, &information,
                              nullptr);
+    });
     if (SUCCEEDED(status)) return ValueOf(result);
     if (status == DISP_E_EXCEPTION) throw ReportOf(dispatch, information);
     if (!IsRefusal(status)) break;
@@ -163,9 +175,11 @@ std::unique_ptr<Enumerator> DispatchClient::Enumerate() {
   DISPPARAMS none{};
   EXCEPINFO information{};
   Variant result;
-  const HRESULT status = dispatch->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT,
-                                          DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &result,
-                                          &information, nullptr);
+  const HRESULT status = InKnownLanguage([&](LCID language) {
+    return dispatch->Invoke(DISPID_NEWENUM, IID_NULL, language,
+                            DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &result, &information,
+                            nullptr);
+  });
   if (status == DISP_E_EXCEPTION) throw ReportOf(*dispatch.Get(), information);
   if (IsRefusal(status)) throw AutomationError(kNotACollection);
   Check(status);

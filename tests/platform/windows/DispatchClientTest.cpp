@@ -55,6 +55,18 @@ TEST_F(ClientTest, AsksInAnotherWayOnlyWhenItIsTurnedDown) {
   EXPECT_EQ(Take(), (Lines{"2 flags 2"}));
 }
 
+TEST_F(ClientTest, AsksInEnglishWhereTheUsersLanguageIsNotKnown) {
+  for (const LCID language : {LCID{0x0409}, LCID{LOCALE_USER_DEFAULT}}) {
+    server_->only_language = language;
+    client_.Call(u"Item", 1, Named(u"Start", true));
+    EXPECT_EQ(FailureOf([&] { client_.Enumerate(); }), "451: Object not a collection");
+    EXPECT_EQ(Take(),
+              (Lines{"?Item Start", "1 flags 3 names 10 values 11:True 3:1", "-4 flags 3"}));
+  }
+  server_->only_language = 0x0411;
+  EXPECT_EQ(FailureOf([&] { client_.Call(u"Item"); }).substr(0, 11), "-2147319784");
+}
+
 HRESULT STDMETHODCALLTYPE FillInLater(EXCEPINFO* information) {
   information->bstrDescription = SysAllocString(L"Filled in later");
   information->scode = static_cast<HRESULT>(0x8004010F);

@@ -43,10 +43,13 @@ class RecordingDispatch final : public ComClass<IDispatch, ISupportErrorInfo> {
   std::function<HRESULT(WORD flags, VARIANT* result, EXCEPINFO* information)> answer =
       [](WORD, VARIANT*, EXCEPINFO*) { return S_OK; };
   bool leaves_error_info = false;
+  LCID only_language = 0;  // every other one is turned down; 0 for none
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return DISP_E_BADINDEX; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID language,
+                             DISPID* ids) override {
+    if (only_language != 0 && language != only_language) return TYPE_E_INVDATAREAD;
     static const std::map<String, DISPID> known = {{u"Item", 1}, {u"Name", 2}, {u"Start", 10}};
     HRESULT status = S_OK;
     log.push_back("?");
@@ -58,8 +61,9 @@ class RecordingDispatch final : public ComClass<IDispatch, ISupportErrorInfo> {
     }
     return status;
   }
-  STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* parameters,
+  STDMETHODIMP Invoke(DISPID member, REFIID, LCID language, WORD flags, DISPPARAMS* parameters,
                       VARIANT* result, EXCEPINFO* information, UINT*) override {
+    if (only_language != 0 && language != only_language) return TYPE_E_INVDATAREAD;
     std::string line = std::to_string(member) + " flags " + std::to_string(flags);
     for (UINT i = 0; i < parameters->cNamedArgs; ++i) {
       line += (i == 0 ? " names " : " ") + std::to_string(parameters->rgdispidNamedArgs[i]);
