@@ -51,6 +51,9 @@ Value::Array ElementsOf(SAFEARRAY* array, VARTYPE type) {
   for (UINT i = 0; i < array->cDims; ++i) count *= array->rgsabound[i].cElements;
   if (count == 0) return elements;
   const ArrayLock lock(array);
+  // Careless callers name another type than the array has, which alone says what the memory holds.
+  VARTYPE own_type = VT_EMPTY;
+  if (type != VT_RECORD && SUCCEEDED(SafeArrayGetVartype(array, &own_type))) type = own_type;
   for (size_t i = 0; i < count; ++i) {
     VARIANT element;
     VariantInit(&element);

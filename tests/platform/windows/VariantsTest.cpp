@@ -87,6 +87,8 @@ TEST(Variants, ReadsArraysOfAnyTypeAndShape) {
   EXPECT_EQ(Read(row), "8204:[3:1][3:255]");
   EXPECT_EQ(Read(Made(VT_BYREF | VT_ARRAY | VT_UI1, &row.parray)), "8204:[3:1][3:255]");
   EXPECT_EQ(Read(Made(VT_ARRAY | VT_RECORD, row.parray)).substr(0, 3), "13:");
+  // Called texts, it is still numbers.
+  EXPECT_EQ(Read(Made(VT_ARRAY | VT_BSTR, row.parray)), "8204:[3:1][3:255]");
   EXPECT_EQ(row.parray->cLocks, 0U);
   EXPECT_EQ(Read(Made(VT_ARRAY | VT_BSTR, nullptr)), "8204:");
 
