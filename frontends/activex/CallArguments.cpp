@@ -47,17 +47,17 @@ HRESULT AskDefaultMember(Variant& variant) {
       FAILED(variant.punkVal->QueryInterface(IID_PPV_ARGS(&object)))) {
     return DISP_E_TYPEMISMATCH;
   }
-  DISPPARAMS none{};
-  Variant answer;
-  HRESULT result = DISP_E_MEMBERNOTFOUND;
   for (const WORD flags : {DISPATCH_PROPERTYGET, DISPATCH_PROPERTYGET | DISPATCH_METHOD}) {
-    result = object->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, flags, &none, &answer,
-                            nullptr, nullptr);
-    if (SUCCEEDED(result)) break;
+    DISPPARAMS none{};
+    Variant answer;
+    if (FAILED(object->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT, flags, &none, &answer,
+                              nullptr, nullptr))) {
+      continue;
+    }
+    std::swap(static_cast<VARIANT&>(variant), static_cast<VARIANT&>(answer));
+    return S_OK;
   }
-  if (FAILED(result)) return DISP_E_TYPEMISMATCH;
-  std::swap(static_cast<VARIANT&>(variant), static_cast<VARIANT&>(answer));
-  return S_OK;
+  return DISP_E_TYPEMISMATCH;
 }
 
 HRESULT ChangeType(const VARIANT& variant, LCID locale, VARTYPE type, Variant& changed) {
