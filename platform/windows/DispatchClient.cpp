@@ -130,6 +130,7 @@ Value InvokeMember(IDispatch& dispatch, DISPID member, const std::vector<WORD>& 
     Variant result;
     SetErrorInfo(0, nullptr);  // whatever an earlier failure left
     status = InKnownLanguage([&](LCID language) {
+      VariantClear(&result);  // careless servers fail and answer
       return dispatch.Invoke(member, IID_NULL, language, flag, &parameters,
                              (flag & DISPATCH_PROPERTYGET) != 0 ? &result : nullptr, &information,
                              nullptr);
@@ -176,6 +177,7 @@ std::unique_ptr<Enumerator> DispatchClient::Enumerate() {
   EXCEPINFO information{};
   Variant result;
   const HRESULT status = InKnownLanguage([&](LCID language) {
+    VariantClear(&result);
     return dispatch->Invoke(DISPID_NEWENUM, IID_NULL, language,
                             DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none, &result, &information,
                             nullptr);
