@@ -153,7 +153,11 @@ class DispatchServer final : public ComClass<IDispatch> {
   // property has a name of the system's, which some callers leave out, and is our last positional
   // argument.
   HRESULT ReceiveArguments(const DISPPARAMS& parameters, bool is_put, Arguments& arguments) const {
-    if (parameters.cNamedArgs > parameters.cArgs) return E_INVALIDARG;
+    if (parameters.cNamedArgs > parameters.cArgs ||
+        (parameters.cArgs != 0 && parameters.rgvarg == nullptr) ||
+        (parameters.cNamedArgs != 0 && parameters.rgdispidNamedArgs == nullptr)) {
+      return E_INVALIDARG;
+    }
     if (is_put && parameters.cArgs == 0) return DISP_E_BADPARAMCOUNT;
     const UINT first_name = is_put ? 1 : 0;
     for (UINT i = first_name; i < parameters.cNamedArgs; ++i) {

@@ -108,6 +108,8 @@ TEST_F(ServerTest, StandsCarelessCallers) {
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_PROPERTYPUT, {}), DISP_E_BADPARAMCOUNT);
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {&value, &unknown, 1, 1}), DISP_E_PARAMNOTFOUND);
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {nullptr, &unknown, 0, 1}), E_INVALIDARG);
+  EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {&value, nullptr, 1, 1}), E_INVALIDARG);
+  EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {nullptr, nullptr, 1, 0}), E_INVALIDARG);
   EXPECT_EQ(Invoke(unknown, DISPATCH_METHOD, {}), DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_PROPERTYPUT, {&value, nullptr, 1, 0}), S_OK);
   EXPECT_EQ(object_->last, "1  8:v") << "a put without the put's name";
