@@ -10,10 +10,14 @@ namespace kestrelon {
 // which make times of day come out minutes wrong; or traps, which end it at a harmless division.
 class UsualFloatingPoint {
  public:
-  UsualFloatingPoint() : of_caller_(_control87(0, 0)) { _control87(kUsual, kSettings); }
+  UsualFloatingPoint()
+      : of_caller_(_control87(0, 0)), is_usual_((of_caller_ & kSettings) == kUsual) {
+    if (!is_usual_) _control87(kUsual, kSettings);
+  }
   UsualFloatingPoint(const UsualFloatingPoint&) = delete;
   UsualFloatingPoint& operator=(const UsualFloatingPoint&) = delete;
   ~UsualFloatingPoint() {
+    if (is_usual_) return;
     _clearfp();  // faults of ours shall not trap at the caller's next calculation
     _control87(of_caller_, kSettings);
   }
@@ -25,6 +29,7 @@ class UsualFloatingPoint {
   static constexpr unsigned kUsual = _MCW_EM | _RC_NEAR | (kHasPrecision ? _PC_53 : 0);
 
   unsigned of_caller_;
+  bool is_usual_;  // most hosts; setting them takes longer than a short member
 };
 
 }  // namespace kestrelon
