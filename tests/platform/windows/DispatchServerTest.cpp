@@ -2,94 +2,40 @@
 
 #include "platform/windows/DispatchServer.h"
 #include "tests/platform/windows/RecordingDispatch.h"
+#include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon::testing {
 namespace {
 
-// An object of ours that keeps the last call and answers as a test says.
-class AnsweringObject final : public DispatchObject {
- public:
-  std::function<Value()> answer = [] { return Value(); };
-  std::string last;  // kind, member and arguments
-  Arguments arguments;
-
-  Value Invoke(InvokeKind kind, StringView member, const Arguments& given) override {
-    last = std::to_string(static_cast<int>(kind)) + " " + ToUtf8(member);
-    for (const Value& value : given.positional) last += " " + Describe(value);
-    for (const auto& [name, value] : given.named)
-      last += " " + ToUtf8(name) + "=" + Describe(value);
-    arguments = given;
-    return answer();
-  }
-  std::unique_ptr<Enumerator> Enumerate() override {
-    const Value elements = answer();
-    if (!elements.IsArray()) throw AutomationError(kNotACollection);
-    return std::make_unique<Walk>(elements.AsArray());
-  }
-  String TypeName() const override { return u"Answering"; }
-
- private:
-  class Walk final : public Enumerator {
-   public:
-    explicit Walk(Value::Array elements) : elements_(std::move(elements)) {}
-    std::optional<Value> Next() override {
-      return next_ < elements_.size() ? std::optional(elements_[next_++]) : std::nullopt;
-    }
-
-   private:
-    Value::Array elements_;
-    size_t next_ = 0;
-  };
-};
-
+// What clients of ours make of such objects is seen by the tests that are led through COM.
 class ServerTest : public ::testing::Test {
  protected:
   HRESULT Invoke(DISPID id, WORD flags, DISPPARAMS parameters, VARIANT* result = nullptr) {
     return server_->Invoke(id, IID_NULL, 0, flags, &parameters, result, nullptr, nullptr);
   }
 
-  const std::shared_ptr<AnsweringObject> object_ = std::make_shared<AnsweringObject>();
-  const ComPtr<IDispatch> server_ = DispatchOf(object_);
+  ScriptedDesktop desktop_;
+  const ComPtr<IDispatch> server_ = DispatchOf(desktop_.NamedObject("Page").AsObject());
   const Object client_ = ObjectOf(server_.Get());
 };
 
-TEST_F(ServerTest, HandsOnWhatAClientOfOursAsks) {
-  client_.Get(u"Name");
-  EXPECT_EQ(object_->last, "0 Name");
-  client_.Call(u"name", 1, Value::Omitted(), Named(u"Start", 5));
-  EXPECT_EQ(object_->last, "2 name 3:1 10: Start=3:5") << "in the spelling of this call";
-  client_.Put(u"Item", 3, u"new", Named(u"Start", 5));
-  EXPECT_EQ(object_->last, "1 Item 3:3 8:new Start=3:5");
-
-  object_->answer = [this] { return Value(Object(object_)); };
-  EXPECT_NE(client_.GetChild(u"Name").pointer(), object_) << "results stay wrapped";
-  client_.Put(u"Item", client_.GetChild(u"Name"));
-  EXPECT_EQ(object_->arguments.positional.at(0).AsObject(), object_) << "arguments do not";
-  object_->arguments = {};
+TEST_F(ServerTest, GetsItsOwnObjectsBackAsArguments) {
+  const Object child = client_.GetChild(u"Child");
+  EXPECT_NE(std::dynamic_pointer_cast<DispatchClient>(child.pointer()), nullptr);
+  client_.Put(u"Item", child, Named(u"Start", child));
+  EXPECT_EQ(desktop_.log.back(), "Page.Item = <Page.Child>, Start:=<Page.Child>");
 }
 
 TEST_F(ServerTest, FailsAsItsObjectDoes) {
-  for (const int number : {438, -2147221233}) {
-    int calls = 0;
-    object_->answer = [&]() -> Value {
-      ++calls;
-      throw AutomationError(number, u"Own words");
-    };
-    EXPECT_EQ(FailureOf([&] { client_.Get(u"Name"); }), std::to_string(number) + ": Own words");
-    EXPECT_EQ(calls, 1);
-  }
-  object_->answer = []() -> Value { throw std::string("a bug"); };
+  desktop_.Fail("Page.Name", AutomationError(kMemberNotFound, u"Own words"));
+  EXPECT_EQ(FailureOf([&] { client_.Get(u"Name"); }), "438: Own words");
+  EXPECT_EQ(desktop_.log, (Lines{"Page.Name"})) << "it was not asked twice";
+  desktop_.cut_at = 1;  // by what is no AutomationError
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {}), E_UNEXPECTED);
 }
 
-TEST_F(ServerTest, IsWalkedAsACollection) {
-  EXPECT_EQ(FailureOf([&] { client_.Enumerate(); }), "451: Object not a collection");
-  object_->answer = [] { return Value(Value::Array{u"a", 2, Value()}); };
-  std::string walked;
-  const auto walk = client_.Enumerate();
-  while (const auto element = walk->Next()) walked += Describe(*element) + " ";
-  EXPECT_EQ(walked, "8:a 3:2 0: ");
-
+TEST_F(ServerTest, IsWalkedInAnySteps) {
+  desktop_.Answer("Page.Each", {Value(Value::Array{u"a", 2, Value()})});
   Variant collection;
   ASSERT_EQ(Invoke(DISPID_NEWENUM, DISPATCH_PROPERTYGET, {}, &collection), S_OK);
   ComPtr<IEnumVARIANT> elements;
@@ -112,8 +58,7 @@ TEST_F(ServerTest, StandsCarelessCallers) {
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {nullptr, nullptr, 1, 0}), E_INVALIDARG);
   EXPECT_EQ(Invoke(unknown, DISPATCH_METHOD, {}), DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_PROPERTYPUT, {&value, nullptr, 1, 0}), S_OK);
-  EXPECT_EQ(object_->last, "1  8:v") << "a put without the put's name";
-  object_->answer = [this] { return Value(Object(object_)); };
+  EXPECT_EQ(desktop_.log, (Lines{"Page = \"v\""})) << "a put without the put's name";
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {}), S_OK) << "an answer that nobody takes";
 }
 

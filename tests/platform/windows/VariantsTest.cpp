@@ -24,13 +24,16 @@ std::string Read(const VARIANT& variant) {
   return failure.empty() ? text : failure;
 }
 
-TEST(Variants, ReadsEveryTypeByValueAndByReference) {
+// What each reads as, however it is referred to, and as what it is stored again.
+TEST(Variants, ReadAndStoreEveryType) {
   const Bstr text(u"a\0\u20AC"sv);
   VARIANT decimal{};
   ASSERT_EQ(VarDecFromR8(-2.5, &decimal.decVal), S_OK);
   decimal.vt = VT_DECIMAL;
   const std::pair<VARIANT, std::string> cases[] = {
-      {Made(VT_BOOL, VARIANT_TRUE), "11:True"},
+      {Made(VT_EMPTY, 0), "0:"},
+      {Made(VT_NULL, 0), "1:"},
+      {Made(VT_ERROR, DISP_E_PARAMNOTFOUND), "10:"},
       {Made(VT_BOOL, short{1}), "11:True"},
       {Made(VT_I1, int8_t{-128}), "3:-128"},
       {Made(VT_UI1, uint8_t{255}), "3:255"},
@@ -57,9 +60,12 @@ TEST(Variants, ReadsEveryTypeByValueAndByReference) {
                                                    : static_cast<const void*>(&variant.llVal);
     const VARIANT reference = Made(variant.vt | VT_BYREF, content);
     EXPECT_EQ(Read(variant), value) << variant.vt;
+    EXPECT_EQ(Read(Variant(ValueOf(variant))), value) << variant.vt << " stored";
+    if (variant.vt <= VT_NULL) continue;  // to which there are no references
     EXPECT_EQ(Read(reference), value) << "reference to " << variant.vt;
     EXPECT_EQ(Read(Made(VT_BYREF | VT_VARIANT, &reference)), value) << "twice to " << variant.vt;
   }
+  EXPECT_EQ(Variant(Value(true)).boolVal, VARIANT_TRUE);
 }
 
 TEST(Variants, RefusesWhatItCannotReadAndSaysSo) {
@@ -79,7 +85,7 @@ TEST(Variants, RefusesWhatItCannotReadAndSaysSo) {
             "430: Class does not support Automation or does not support expected interface");
 }
 
-TEST(Variants, ReadsArraysOfAnyTypeAndShape) {
+TEST(Variants, ReadAndStoreArrays) {
   Variant row;
   row.parray = SafeArrayCreateVector(VT_UI1, 0, 2);
   row.vt = VT_ARRAY | VT_UI1;
@@ -100,28 +106,8 @@ TEST(Variants, ReadsArraysOfAnyTypeAndShape) {
   StoreValue(Value(u"a"), cells[0]);
   StoreValue(Value(Value::Array{1, true}), cells[2]);
   EXPECT_EQ(Read(table), "8204:[8:a][0:][8204:[3:1][11:True]][0:]");
-}
-
-TEST(Variants, StoresEveryValueSoThatItReadsTheSame) {
-  const std::pair<Value, int> cases[] = {
-      {Value(), VT_EMPTY},
-      {Value::Null(), VT_NULL},
-      {Value::Omitted(), VT_ERROR},
-      {true, VT_BOOL},
-      {-70000, VT_I4},
-      {int64_t{1} << 33, VT_R8},
-      {Date{-1.25}, VT_DATE},
-      {StringView(u"\0x\xD800", 3), VT_BSTR},
-      {u"", VT_BSTR},
-      {Object(), VT_DISPATCH},
-      {Value::Array{}, VT_ARRAY | VT_VARIANT},
-      {Value::Array{Value(), u"a", Value::Array{2.5}}, VT_ARRAY | VT_VARIANT}};
-  for (const auto& [value, type] : cases) {
-    const Variant stored(value);
-    EXPECT_EQ(stored.vt, type);
-    EXPECT_EQ(Read(stored), Describe(value));
-  }
-  EXPECT_EQ(Variant(Value(true)).boolVal, VARIANT_TRUE);
+  EXPECT_EQ(Read(Variant(ValueOf(table))), Read(table));
+  EXPECT_EQ(Read(Variant(Value(Value::Array{}))), "8204:");
 }
 
 }  // namespace
