@@ -8,7 +8,7 @@
 #include "Control/KestrelonControl.h"
 #include "tests/FailEverywhereOutlook.h"
 #include "tests/support/Documents.h"
-#include "tests/support/ScriptedDesktop.h"
+#include "tests/support/FailEachCall.h"
 
 namespace kestrelon {
 namespace testing {
@@ -350,6 +350,33 @@ INSTANTIATE_TEST_SUITE_P(Members, FailEverywhereInOutlook, ::testing::ValuesIn(A
                          [](const auto& info) {
                            return ToUtf8(info.param.member) + std::to_string(info.index);
                          });
+
+bool EndsInDisplay(const std::string& line) { return line.ends_with(".display()"); }
+
+// A mail of Word's text, whose conversion would take its time on a real desktop.
+TEST(FailEverywhereInMail, EveryFailureIsToldOnceAndLeavesOutlookAsItIs) {
+  const auto find_nothing = [](ScriptedDesktop& desktop) {
+    desktop.Answer("Word.Application.Selection.Find.Found", {false});
+  };
+  for (const char16_t* mode : {u"HTML", u"attach"}) {
+    const auto mail = [&](ControlContext& context, ScriptedDesktop& desktop) {
+      const Object xml = XmlDocumentOf(kSmallLetterXml);
+      std::vector<Value> values = {xml, u"a.dotx", u"a@b", mode, u"", u"", u"subject"};
+      FindMember(u"CreateLetterXML")->invoke(context, values);
+      if (desktop.failed_line.empty()) return;
+      // Only the removal of the temporary file, after the mail is shown, fails silently.
+      const auto failed = desktop.log.begin() + desktop.fail_at - 1;
+      const bool shown = std::any_of(desktop.log.begin(), failed, EndsInDisplay);
+      EXPECT_EQ(desktop.messages.size(), shown ? 0U : 1U) << *failed;
+      // A tag whose search fails is told and passed over: the mail is shown and Outlook let go of.
+      const bool ended = std::any_of(failed + 1, desktop.log.end(), EndsInDisplay) || shown;
+      const bool started =
+          std::count(desktop.log.begin(), failed, "create Outlook.Application") > 0;
+      EXPECT_EQ(context.state.outlook_application.IsNothing(), ended || !started) << *failed;
+    };
+    EXPECT_GT(FailEachCall(find_nothing, mail), 30);
+  }
+}
 
 }  // namespace
 }  // namespace testing

@@ -2,13 +2,11 @@
 
 #include <cstdlib>
 
-#include "Control/LocaleAndEnvironment.h"
+#include "desktop/filesystem/FileSystemObject.h"
 #include "desktop/storage/AtomicFile.h"
-#include "desktop/storage/Paths.h"
 #include "outlook/FolderLists.h"
-#include "platform/ForwardingPlatform.h"
-#include "platform/linux/LinuxPlatform.h"
 #include "tests/outlook/OutlookMembers.h"
+#include "tests/support/Documents.h"
 
 namespace kestrelon {
 namespace {
@@ -16,23 +14,16 @@ namespace {
 const std::string kContacts = kNamespace + ".GetDefaultFolder(10)";
 const std::string kTasks = kNamespace + ".GetDefaultFolder(13)";
 
-// A scripted Outlook on a real desktop, where the list is sorted.
-class OutlookOnLinux final : public ForwardingPlatform {
- public:
-  OutlookOnLinux(Platform& platform, testing::ScriptedDesktop& desktop)
-      : ForwardingPlatform(platform), desktop_(desktop) {}
-  Object CreateObject(StringView prog_id, StringView server) override {
-    if (prog_id == u"Outlook.Application") return desktop_.CreateObject(prog_id, server);
-    return ForwardingPlatform::CreateObject(prog_id, server);
-  }
-
- private:
-  testing::ScriptedDesktop& desktop_;
-};
-
-class ItemLists : public ::testing::Test {
+// A scripted Outlook beside the real documents and files by which a list is sorted.
+class ItemLists : public OutlookMembers {
  protected:
-  void SetUp() override { setenv("LC_ALL", "C.UTF-8", 1); }
+  void SetUp() override {
+    setenv("LC_ALL", "C.UTF-8", 1);
+    desktop.Answer("create Scripting.FileSystemObject", {desktop::CreateFileSystemObject()});
+    std::deque<Value> documents(20);
+    for (Value& document : documents) document = testing::EmptyXmlDocument();
+    desktop.Answer("create Msxml2.DOMDocument", documents);
+  }
   void TearDown() override { unsetenv("LC_ALL"); }
 
   // An item of the folder to be filled; the entry id is the object's name.
@@ -54,16 +45,7 @@ class ItemLists : public ::testing::Test {
     return GetFolderContactItems(context, folder);
   }
 
-  testing::ScriptedDesktop desktop;
   Value::Array items;
-  Messages messages;
-  LinuxPlatform linux_platform{
-      [this](const String& text, int32_t flags, const std::optional<String>& title) {
-        messages.push_back({text, flags, title});
-        return 1;
-      }};
-  OutlookOnLinux platform{linux_platform, desktop};
-  ControlContext context{platform};
 };
 
 TEST_F(ItemLists, ContactsComeInTextOrder) {
@@ -77,9 +59,9 @@ TEST_F(ItemLists, ContactsComeInTextOrder) {
   EXPECT_EQ(ListContacts(),
             u"\U0001F600#~I9#~adams#~I2#~Adams#~I4#~\u00E4rger#~I8#~Brown#~I3#~"
             u"\u00D6zil & <Co>#~I5#~Pol#~I6#~Smith#~I1#~Smith#~I7#~");
-  EXPECT_TRUE(messages.empty());
-  const auto sheet = desktop::PathFromText(GetTheTempPath(context) + u"Kestrelon.xsl");
-  EXPECT_TRUE(desktop::ReadWholeFile(sheet).ends_with("</xsl:stylesheet>\r\n\r\n"));
+  EXPECT_TRUE(desktop.messages.empty());
+  const std::string sheet = desktop::ReadWholeFile(desktop.temp_path + "Kestrelon.xsl");
+  EXPECT_TRUE(sheet.ends_with("</xsl:stylesheet>\r\n\r\n"));
 
   setenv("LC_ALL", "sv_SE.UTF-8", 1);
   EXPECT_TRUE(ListContacts().ends_with(u"Smith#~I7#~\u00E4rger#~I8#~\u00D6zil & <Co>#~I5#~"));
@@ -92,7 +74,7 @@ TEST_F(ItemLists, AFolderWithoutContactsCannotBeSorted) {
   EXPECT_EQ(ListContacts(), u"") << "a name that no document can hold";
   const testing::ShownMessage failed{u"An error occurred running GetFolderContactItems", 64,
                                      std::nullopt};
-  EXPECT_EQ(messages, (Messages{failed, failed}));
+  EXPECT_EQ(desktop.messages, (Messages{failed, failed}));
 }
 
 TEST_F(ItemLists, TasksComeInTheOrderOfTheFolderChosen) {

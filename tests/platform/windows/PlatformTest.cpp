@@ -57,23 +57,19 @@ class TempFolderTest : public PlatformTest {
 TEST_F(TempFolderTest, CanBeNamedWhateverItsCharacters) {
   UseFolder(u"\u0141ukasz \u5C71");
   const std::string path = TempPath();
+  const auto size = static_cast<uint32_t>(path.size());
+  std::string buffer(size + 1, '~');
+  EXPECT_EQ(platform_.GetTempPathAnsi(size, buffer.data()), size + 1);
+  EXPECT_EQ(buffer, std::string(size + 1, '~')) << "it was too short";
+  EXPECT_EQ(platform_.GetTempPathAnsi(size + 1, buffer.data()), size);
+  EXPECT_EQ(buffer, path + '\0');
+
   char name[kAnsiPathSize] = "";
   const uint32_t number = platform_.GetTempFileNameAnsi(path.c_str(), "Quote 12", 0, name);
   const std::string file = std::string(name).substr(path.size());
   EXPECT_TRUE(file.starts_with("Quo")) << name;
   EXPECT_EQ(std::stoul(file.substr(3), nullptr, 16), number);
   EXPECT_TRUE(std::filesystem::exists(AsWide(folder_ + u'\\' + FromAnsi(file))));
-}
-
-TEST_F(TempFolderTest, StaysWithinBuffers) {
-  UseFolder(u"caf\u00E9");
-  const std::string path = ToAnsi(folder_ + u"\\");
-  const auto size = static_cast<uint32_t>(path.size());
-  std::string buffer(size + 1, '~');
-  EXPECT_EQ(platform_.GetTempPathAnsi(size, buffer.data()), size + 1);
-  EXPECT_EQ(buffer, std::string(size + 1, '~'));
-  EXPECT_EQ(platform_.GetTempPathAnsi(size + 1, buffer.data()), size);
-  EXPECT_EQ(buffer, path + '\0');
 }
 
 TEST_F(TempFolderTest, NamesFilesByANumber) {
@@ -156,6 +152,7 @@ TEST(SystemTexts, AreExactOrNothing) {
   EXPECT_EQ(NearestAnsi(u"\u20AC\u0141\u5C71\u0081"), "\x80L?\x81");
   EXPECT_EQ(InSystemCodePage({u"plain", u""}), (std::vector<std::string>{"plain", ""}));
   EXPECT_EQ(AnsiPath(u"C:\\none \u5C71"), "C:\\none ?") << "what is not there has no short name";
+  EXPECT_EQ(AnsiPath(u"C:\\Program Files"), "C:\\Program Files") << "needs no short name";
   // No code page but UTF-8 has both.
   EXPECT_EQ(InSystemCodePage({u"plain", u"\u0141\u5C71"}).has_value(), GetACP() == CP_UTF8);
 }
