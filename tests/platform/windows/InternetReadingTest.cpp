@@ -1,8 +1,8 @@
 // Before <windows.h>, which would bring in its predecessor.
 #include <winsock2.h>
-// Before the platform's, as these bring it in.
+// Takes back its macros, one of which would rename a method of the platform.
 #include "platform/windows/Win32.h"
-// Behind both.
+// Brings in <windows.h> too.
 #include <gmock/gmock.h>
 
 #include <algorithm>
