@@ -57,7 +57,7 @@ TEST_F(ServerTest, StandsCarelessCallers) {
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {&value, nullptr, 1, 1}), E_INVALIDARG);
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {nullptr, nullptr, 1, 0}), E_INVALIDARG);
   EXPECT_EQ(Invoke(unknown, DISPATCH_METHOD, {}), DISP_E_MEMBERNOTFOUND);
-  EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_PROPERTYPUT, {&value, nullptr, 1, 0}), S_OK);
+  EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_PROPERTYPUTREF, {&value, nullptr, 1, 0}), S_OK);
   EXPECT_EQ(desktop_.log, (Lines{"Page = \"v\""})) << "a put without the put's name";
   EXPECT_EQ(Invoke(DISPID_VALUE, DISPATCH_METHOD, {}), S_OK) << "an answer that nobody takes";
 }
