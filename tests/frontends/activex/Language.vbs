@@ -16,16 +16,12 @@ control.NoSuchMember
 Fails "an unknown member", 438, "Object doesn't support this property or method"
 control.FindFile
 Fails "too few arguments", 450, wrong_count
-control.GetVersion 1
-Fails "too many arguments", 450, wrong_count
 control.CreateMessage "m", "many", "t"
 Fails "a text for a number", 13, mismatch
 control.CreateMessage "m", 70000, "t"
 Fails "a number of more than 16 bits", 6, "Overflow"
 control.FindFile Null
 Fails "Null for a text", 13, mismatch
-control.CreateLetterXML "<Data/>", "t"
-Fails "a text for a document", 13, mismatch
 control.FindFile Array("a", "b")
 Fails "an array for a text", 13, mismatch
 On Error GoTo 0

@@ -1,11 +1,8 @@
-#include "tests/frontends/activex/ScriptHost.h"
-
 #include <activscp.h>
 #include <servprov.h>
 
-#include <cstdio>
-
 #include "platform/windows/ComErrors.h"
+#include "tests/frontends/activex/StandIns.h"
 
 namespace kestrelon::testing {
 namespace {
@@ -13,12 +10,14 @@ namespace {
 // VBScript creates objects only for a host that has services to ask for, whatever they are.
 class ScriptSite final : public ComClass<IActiveScriptSite, IServiceProvider> {
  public:
-  explicit ScriptSite(const ScriptHost& host) : host_(host) {}
+  ScriptSite(ComPtr<IDispatch> host, const ComPtr<IUnknown>& page) : host_(std::move(host)) {
+    if (page != nullptr) Check(page.As(&page_));
+  }
 
   STDMETHODIMP GetLCID(LCID*) override { return E_NOTIMPL; }
   STDMETHODIMP GetItemInfo(LPCOLESTR, DWORD wanted, IUnknown** item, ITypeInfo**) override {
     if ((wanted & SCRIPTINFO_IUNKNOWN) == 0) return TYPE_E_ELEMENTNOTFOUND;
-    return host_.host.CopyTo(item);
+    return host_.CopyTo(item);
   }
   STDMETHODIMP GetDocVersionString(BSTR*) override { return E_NOTIMPL; }
   STDMETHODIMP OnScriptTerminate(const VARIANT*, const EXCEPINFO*) override { return S_OK; }
@@ -30,10 +29,8 @@ class ScriptSite final : public ComClass<IActiveScriptSite, IServiceProvider> {
     LONG column = 0;
     error->GetExceptionInfo(&information);
     error->GetSourcePosition(&context, &line, &column);
-    char place[60];
-    std::snprintf(place, sizeof place, "line %u: error 0x%08X: ", static_cast<unsigned>(line + 1),
-                  static_cast<unsigned>(information.scode));
-    fault_ = FromUtf8(place) + ErrorOf(information).description();
+    fault_ =
+        u"line " + FromUtf8(std::to_string(line + 1)) + u": " + ErrorOf(information).description();
     return S_OK;
   }
   STDMETHODIMP OnEnterScript() override { return S_OK; }
@@ -41,23 +38,26 @@ class ScriptSite final : public ComClass<IActiveScriptSite, IServiceProvider> {
 
   STDMETHODIMP QueryService(REFGUID service, REFIID iid, void** object) override {
     *object = nullptr;
-    ComPtr<IServiceProvider> page;
-    if (host_.page == nullptr || FAILED(host_.page.As(&page))) return E_NOINTERFACE;
-    return page->QueryService(service, iid, object);
+    return page_ == nullptr ? E_NOINTERFACE : page_->QueryService(service, iid, object);
   }
 
   const String& fault() const { return fault_; }
-  void LetGo() { host_ = {}; }
+  void LetGo() {
+    host_.Reset();
+    page_.Reset();
+  }
 
  private:
   NotCounted not_counted_;
-  ScriptHost host_;
+  ComPtr<IDispatch> host_;
+  ComPtr<IServiceProvider> page_;
   String fault_;
 };
 
 }  // namespace
 
-String ScriptHost::Run(const std::vector<String>& texts) const {
+String RunScript(Language language, const ComPtr<IDispatch>& host, const ComPtr<IUnknown>& page,
+                 const std::vector<String>& texts) {
   CLSID engine_class{};
   Check(CLSIDFromProgID(language == Language::kJScript ? L"JScript" : L"VBScript", &engine_class));
   ComPtr<IActiveScript> engine;
@@ -65,10 +65,10 @@ String ScriptHost::Run(const std::vector<String>& texts) const {
                          reinterpret_cast<void**>(engine.GetAddressOf())));
   ComPtr<IActiveScriptParse> parser;
   Check(engine.As(&parser));
-  const auto site = MakeComObject<ScriptSite>(*this);
+  const auto site = MakeComObject<ScriptSite>(host, page);
   Check(engine->SetScriptSite(site.Get()));
   Check(parser->InitNew());
-  if (host != nullptr) Check(engine->AddNamedItem(L"host", SCRIPTITEM_ISVISIBLE));
+  Check(engine->AddNamedItem(L"host", SCRIPTITEM_ISVISIBLE));
   Check(engine->SetScriptState(SCRIPTSTATE_STARTED));
   HRESULT result = S_OK;
   for (const String& text : texts) {

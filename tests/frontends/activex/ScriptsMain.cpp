@@ -1,24 +1,32 @@
-// The tests with scripts; and, where COM starts this program for one of its classes, the desktop
-// that they meet.
+// The tests with scripts, on a machine where the control is registered.
 
 #include <gtest/gtest.h>
 
-#include <string_view>
+#include <filesystem>
 
-#include "platform/windows/ComClass.h"
-#include "tests/frontends/activex/Programs.h"
 #include "tests/frontends/activex/StandIns.h"
+
+namespace {
+
+using kestrelon::testing::RunProgram;
+
+// The control's module, registered by the system's own tool for as long as the tests run.
+class RegisteredModule final : public testing::Environment {
+ public:
+  void SetUp() override { ASSERT_EQ(RunProgram(u"regsvr32 /s \"" + path_ + u"\""), 0u); }
+  void TearDown() override { EXPECT_EQ(RunProgram(u"regsvr32 /u /s \"" + path_ + u"\""), 0u); }
+
+ private:
+  const std::u16string path_ = std::filesystem::absolute(KESTRELON_MODULE).u16string();
+};
+
+}  // namespace
 
 int main(int argc, char** argv) {
   if (FAILED(OleInitialize(nullptr))) return 2;
-  int result = 0;
-  if (argc == 2 && argv[1] == std::string_view("-Embedding")) {
-    kestrelon::testing::ServeDesktop();
-  } else {
-    testing::InitGoogleTest(&argc, argv);
-    testing::AddGlobalTestEnvironment(new kestrelon::testing::RegisteredModule);
-    result = RUN_ALL_TESTS();
-  }
+  testing::InitGoogleTest(&argc, argv);
+  testing::AddGlobalTestEnvironment(new RegisteredModule);
+  const int result = RUN_ALL_TESTS();
   OleUninitialize();
   if (kestrelon::live_objects == 0) return result;
   std::printf("%d COM objects were never released\n", kestrelon::live_objects.load());

@@ -2,21 +2,13 @@
 
 #include "Control/InterfaceTable.h"
 #include "automation/TracingObject.h"
-#include "frontends/activex/Registry.h"
-#include "platform/windows/ComClass.h"
 #include "platform/windows/ComErrors.h"
 #include "platform/windows/DispatchServer.h"
-#include "tests/frontends/activex/Programs.h"
-#include "tests/frontends/activex/ScriptHost.h"
 
 namespace kestrelon::testing {
 namespace {
 
 using namespace std::string_literals;
-
-// Mutexes, held by a test that wants the desktop in another program, and by that program.
-constexpr const wchar_t* kWanted = L"KestrelonTest.Wanted";
-constexpr const wchar_t* kRunning = L"KestrelonTest.Running";
 
 class Factory final : public ComClass<IClassFactory> {
  public:
@@ -40,65 +32,61 @@ std::string Describe(const Value& value) {
 }
 
 bool Fits(const Value& result, ParameterType type) {
-  switch (type) {
-    case ParameterType::kNone:
-      return result.IsEmpty();
-    case ParameterType::kString:
-      return result.IsString();
-    case ParameterType::kBoolean:
-      return result.IsBoolean();
-    case ParameterType::kInteger:
-      return result.IsInteger();
-    case ParameterType::kObject:
-      return result.IsObject() || result.IsNull();  // JScript's Nothing
-    default:
-      return true;
-  }
-}
-
-void SetKey(const String& key, const String& value) {
-  const LSTATUS status =
-      RegSetKeyValueW(HKEY_CLASSES_ROOT, AsWide(key), nullptr, REG_SZ, AsWide(value),
-                      static_cast<DWORD>((value.size() + 1) * sizeof(char16_t)));
-  Check(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
+  if (type == ParameterType::kNone) return result.IsEmpty();
+  if (type == ParameterType::kString) return result.IsString();
+  if (type == ParameterType::kBoolean) return result.IsBoolean();
+  if (type == ParameterType::kInteger) return result.IsInteger();
+  return type == ParameterType::kVariant || result.IsObject() ||
+         result.IsNull();  // JScript's Nothing
 }
 
 }  // namespace
 
+DWORD RunProgram(const String& command) {
+  std::wstring line = AsWide(command);
+  STARTUPINFOW startup{};
+  startup.cb = sizeof(startup);
+  PROCESS_INFORMATION process{};
+  if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                      &process)) {
+    throw ErrorOf(HRESULT_FROM_WIN32(GetLastError()));
+  }
+  while (MsgWaitForMultipleObjects(1, &process.hProcess, FALSE, INFINITE, QS_ALLINPUT) ==
+         WAIT_OBJECT_0 + 1) {
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+  }
+  DWORD status = 1;
+  GetExitCodeProcess(process.hProcess, &status);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return status;
+}
+
 Value ScriptReport::Invoke(InvokeKind /*kind*/, StringView member, const Arguments& arguments) {
   const String name = LowerCase(member);
-  if (name == u"equal" && arguments.positional.size() == 3) {
-    Equal(arguments);
-  } else if (name == u"called" && arguments.positional.size() >= 2) {
-    Called(arguments);
-  } else if (name == u"done") {
+  const auto& values = arguments.positional;
+  if (name == u"done") {
     is_done = true;
-  } else {
+    return {};
+  }
+  if ((name != u"equal" && name != u"called") || values.size() < 2) {
     throw AutomationError(kMemberNotFound);
   }
-  return {};
-}
-
-void ScriptReport::Equal(const Arguments& arguments) {
   ++checks;
-  const std::string actual = Describe(arguments.positional[1]);
-  const std::string expected = Describe(arguments.positional[2]);
-  if (actual == expected) return;
-  faults.push_back(ToUtf8(arguments.positional[0].ToText()) + " is " + actual + ", not " +
-                   expected);
-}
-
-void ScriptReport::Called(const Arguments& arguments) {
-  ++checks;
-  const String name = arguments.positional[0].ToText();
-  const Member* member = FindMember(name);
-  called.insert(name);
-  if (member == nullptr) {
-    faults.push_back(ToUtf8(name) + " is no member");
-  } else if (!Fits(arguments.positional[1], member->result)) {
-    faults.push_back(ToUtf8(name) + " gives " + Describe(arguments.positional[1]));
+  const std::string what = ToUtf8(values[0].ToText());
+  const std::string actual = Describe(values[1]);
+  if (name == u"called") {
+    const Member* called_member = FindMember(values[0].ToText());
+    called.insert(values[0].ToText());
+    if (called_member == nullptr || !Fits(values[1], called_member->result)) {
+      faults.push_back(what + " is no member, or not one that gives " + actual);
+    }
   }
-  if (arguments.positional.size() == 3) Equal(arguments);
+  if (values.size() == 3 && actual != Describe(values[2])) {
+    faults.push_back(what + " is " + actual + ", not " + Describe(values[2]));
+  }
+  return {};
 }
 
 Value DesktopDirector::Invoke(InvokeKind /*kind*/, StringView member, const Arguments& arguments) {
@@ -121,55 +109,29 @@ Value DesktopDirector::Invoke(InvokeKind /*kind*/, StringView member, const Argu
 }
 
 StandInClass::StandInClass(const String& prog_id, uint8_t number,
-                           std::function<DispatchPointer()> make)
-    : prog_id_(prog_id),
-      clsid_{0xA51B9DF7, 0x2D0C, 0x4E5B, {0x93, 0x1E, 0x6A, 0x70, 0x0C, 0x3B, 0x5D, number}} {
-  wchar_t program[MAX_PATH];
-  GetModuleFileNameW(nullptr, program, MAX_PATH);
-  SetKey(prog_id_ + u"\\CLSID", TextOf(clsid_));
-  SetKey(u"CLSID\\" + TextOf(clsid_) + u"\\LocalServer32", u"\"" + FromWide(program) + u"\"");
-  if (make == nullptr) return;
+                           std::function<DispatchPointer()> make) {
+  const CLSID clsid = {
+      0xA51B9DF7, 0x2D0C, 0x4E5B, {0x93, 0x1E, 0x6A, 0x70, 0x0C, 0x3B, 0x5D, number}};
+  const auto write = [&](const String& key, const String& text) {
+    Check(HRESULT_FROM_WIN32(static_cast<DWORD>(entries_.Write(key, {}, text))));
+  };
+  write(prog_id + u"\\CLSID", TextOf(clsid));
+  write(u"CLSID\\" + TextOf(clsid) + u"\\LocalServer32", u"none");  // it runs already
   const auto factory = MakeComObject<Factory>(std::move(make));
-  Check(CoRegisterClassObject(clsid_, factory.Get(), CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
+  Check(CoRegisterClassObject(clsid, factory.Get(), CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
                               REGCLS_MULTIPLEUSE, &cookie_));
 }
 
-StandInClass::~StandInClass() {
-  if (cookie_ != 0) CoRevokeClassObject(cookie_);
-  RegDeleteTreeW(HKEY_CLASSES_ROOT, AsWide(prog_id_));
-  RegDeleteTreeW(HKEY_CLASSES_ROOT, AsWide(u"CLSID\\" + TextOf(clsid_)));
-}
+StandInClass::~StandInClass() { CoRevokeClassObject(cookie_); }
 
-void AddDesktop(StandInClasses& classes, ScriptedDesktop* desktop) {
+void AddDesktop(StandInClasses& classes, ScriptedDesktop& desktop) {
   uint8_t number = 0;
-  const auto add = [&](const String& prog_id, std::function<DispatchPointer()> make) {
-    classes.emplace_back(prog_id, ++number, desktop == nullptr ? nullptr : std::move(make));
-  };
   for (const String& name : {u"Word.Application"s, u"Outlook.Application"s}) {
-    add(name, [desktop, name] { return desktop->CreateObject(name, {}).pointer(); });
+    classes.emplace_back(name, ++number,
+                         [&, name] { return desktop.CreateObject(name, {}).pointer(); });
   }
-  add(u"KestrelonTest.Desktop", [desktop] { return std::make_shared<DesktopDirector>(*desktop); });
-}
-
-DesktopServer::DesktopServer() : wanted_(CreateMutexW(nullptr, TRUE, kWanted)) {}
-
-DesktopServer::~DesktopServer() {
-  ReleaseMutex(wanted_);
-  CloseHandle(wanted_);
-  const HANDLE running = OpenMutexW(SYNCHRONIZE, FALSE, kRunning);
-  if (running == nullptr) return;
-  WaitAnsweringCalls(running);
-  CloseHandle(running);
-}
-
-void ServeDesktop() {
-  CreateMutexW(nullptr, TRUE, kRunning);  // held until this program ends
-  const HANDLE wanted = CreateMutexW(nullptr, FALSE, kWanted);
-  ScriptedDesktop desktop;
-  StandInClasses classes;
-  AddDesktop(classes, &desktop);
-  WaitAnsweringCalls(wanted);
-  ReleaseMutex(wanted);
+  classes.emplace_back(u"KestrelonTest.Desktop", ++number,
+                       [&] { return std::make_shared<DesktopDirector>(desktop); });
 }
 
 }  // namespace kestrelon::testing

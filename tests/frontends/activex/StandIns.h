@@ -6,10 +6,30 @@
 #include <list>
 #include <set>
 
-#include "platform/windows/Win32.h"
+#include "frontends/activex/Registry.h"
+#include "platform/windows/ComClass.h"
 #include "tests/support/ScriptedDesktop.h"
 
 namespace kestrelon::testing {
+
+// Exit status of a program, when it has ended; calls from it are answered meanwhile.
+DWORD RunProgram(const String& command);
+
+// Part of an object that may outlive the tests: some script engines keep references for good to
+// class factories (JScript of Wine) or to the site that they give to objects (its VBScript).
+struct NotCounted {
+  NotCounted() { --live_objects; }
+  ~NotCounted() { ++live_objects; }
+};
+
+enum class Language { kJScript, kVBScript };
+
+// Runs the texts one after the other as one script with the global object `host`, in this thread
+// and through the system's engine, as a browser does. `page` leads to the page it stands on (a
+// service provider); null for no page. What went wrong, with the number of the line within its
+// text, "" for nothing: "line 3: Object required".
+String RunScript(Language language, const ComPtr<IDispatch>& host, const ComPtr<IUnknown>& page,
+                 const std::vector<String>& texts);
 
 // The object `host` of a script:
 //
@@ -26,10 +46,6 @@ class ScriptReport final : public DispatchObject {
   std::set<String> called;
   int checks = 0;
   bool is_done = false;
-
- private:
-  void Equal(const Arguments& arguments);
-  void Called(const Arguments& arguments);
 };
 
 // The object "KestrelonTest.Desktop":
@@ -48,39 +64,22 @@ class DesktopDirector final : public DispatchObject {
   ScriptedDesktop& desktop_;
 };
 
-// A class of COM while this lives. It is entered into the registry, for COM to start this program
-// when an object is wanted; with `make` this program offers it already.
+// A class of COM while this lives: `make` makes its objects, in this program. It is entered into
+// the registry too, for other programs to find it.
 class StandInClass {
  public:
   StandInClass(const String& prog_id, uint8_t number, std::function<DispatchPointer()> make);
-  ~StandInClass();
   StandInClass(const StandInClass&) = delete;
-  StandInClass& operator=(const StandInClass&) = delete;
+  ~StandInClass();
 
  private:
-  const String prog_id_;
-  const CLSID clsid_;
+  RegistryChanges entries_{HKEY_CLASSES_ROOT};
   DWORD cookie_ = 0;
 };
 using StandInClasses = std::list<StandInClass>;
 
 // Adds the classes of the desktop: "Word.Application", "Outlook.Application" and
-// "KestrelonTest.Desktop". Without `desktop` it is the one of a DesktopServer.
-void AddDesktop(StandInClasses& classes, ScriptedDesktop* desktop);
-
-// While this lives, a program that COM starts for one of the desktop's classes serves them; at the
-// end of this it has ended too. Scripts then meet a desktop in another program.
-class DesktopServer {
- public:
-  DesktopServer();
-  ~DesktopServer();
-  DesktopServer(const DesktopServer&) = delete;
-  DesktopServer& operator=(const DesktopServer&) = delete;
-
- private:
-  HANDLE wanted_;
-};
-// What that program does.
-void ServeDesktop();
+// "KestrelonTest.Desktop".
+void AddDesktop(StandInClasses& classes, ScriptedDesktop& desktop);
 
 }  // namespace kestrelon::testing
