@@ -112,11 +112,15 @@ StandInClass::StandInClass(const String& prog_id, uint8_t number,
                            std::function<DispatchPointer()> make) {
   const CLSID clsid = {
       0xA51B9DF7, 0x2D0C, 0x4E5B, {0x93, 0x1E, 0x6A, 0x70, 0x0C, 0x3B, 0x5D, number}};
+  const String server = u"CLSID\\" + TextOf(clsid);
+  for (const String& key : {prog_id, server}) {
+    DeleteRegistryTree(HKEY_CLASSES_ROOT, key);  // of a run that was cut short
+  }
   const auto write = [&](const String& key, const String& text) {
     Check(HRESULT_FROM_WIN32(static_cast<DWORD>(entries_.Write(key, {}, text))));
   };
   write(prog_id + u"\\CLSID", TextOf(clsid));
-  write(u"CLSID\\" + TextOf(clsid) + u"\\LocalServer32", u"none");  // it runs already
+  write(server + u"\\LocalServer32", u"none");  // it runs already
   const auto factory = MakeComObject<Factory>(std::move(make));
   Check(CoRegisterClassObject(clsid, factory.Get(), CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
                               REGCLS_MULTIPLEUSE, &cookie_));
