@@ -10,25 +10,13 @@
 
 #include "desktop/storage/FileDescriptor.h"
 #include "desktop/storage/Paths.h"
+#include "platform/TempFileNames.h"
 #include "platform/linux/LinuxPlatform.h"
 
 namespace kestrelon {
 namespace {
 
-constexpr size_t kPrefixLength = 3;
 constexpr size_t kLongestEnd = std::string_view("FFFF.tmp").size();
-
-// Those of the system whose call this is; with only "/" refused, a name would be good here that
-// cannot be saved or sent there.
-bool IsFileName(std::string_view text) {
-  for (const unsigned char byte : text) {
-    const auto character = static_cast<char>(byte);
-    if (byte < ' ' || std::string_view("<>:\"/\\|?*").find(character) != std::string_view::npos) {
-      return false;
-    }
-  }
-  return true;
-}
 
 std::string PathOf(const std::string& start, uint16_t number) {
   char end[16];
@@ -57,7 +45,7 @@ uint16_t MakeEmptyFile(const std::string& start) {
 uint32_t LinuxPlatform::GetTempFileNameAnsi(const char* folder, const char* prefix, uint32_t unique,
                                             char* buffer) {
   std::string start = folder;
-  const std::string_view lead(prefix, strnlen(prefix, kPrefixLength));
+  const std::string_view lead(prefix, strnlen(prefix, kTempPrefixLength));
   if (start.empty() || !IsFileName(lead)) return 0;
   if (start.back() != '/' && start.back() != '\\') start += '/';
   start += lead;

@@ -2,24 +2,12 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/TempFileNames.h"
 #include "platform/windows/SystemTexts.h"
 #include "platform/windows/WindowsPlatform.h"
 
 namespace kestrelon {
 namespace {
-
-constexpr size_t kPrefixLength = 3;
-
-// The system itself lets some of them pass: with a colon it makes a hidden stream of another file.
-bool IsFileName(std::string_view text) {
-  for (const unsigned char byte : text) {
-    const auto character = static_cast<char>(byte);
-    if (byte < ' ' || std::string_view("<>:\"/\\|?*").find(character) != std::string_view::npos) {
-      return false;
-    }
-  }
-  return true;
-}
 
 String TempPath() {
   const DWORD size = GetTempPathW(0, nullptr);
@@ -41,7 +29,7 @@ uint32_t WindowsPlatform::GetTempPathAnsi(uint32_t size, char* buffer) {
 
 uint32_t WindowsPlatform::GetTempFileNameAnsi(const char* folder, const char* prefix,
                                               uint32_t unique, char* buffer) {
-  const std::string_view lead(prefix, strnlen(prefix, kPrefixLength));
+  const std::string_view lead(prefix, strnlen(prefix, kTempPrefixLength));
   if (*folder == '\0' || !IsFileName(lead)) return 0;
   std::array<wchar_t, kAnsiPathSize> name{};
   const UINT number =
